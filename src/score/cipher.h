@@ -1,0 +1,16 @@
+// The cipher of the music file: RC4 with a 40-bit key taken from the MD5 digest of a pass
+// phrase (five digest bytes and eleven zero bytes of salt make the 16-byte key). A stream
+// cipher, so enciphering and deciphering are one operation and the length never changes.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace plectaro {
+
+// The pass phrase of every music file.
+inline constexpr std::string_view kMusicFilePassPhrase = "tessel";
+
+std::string CipherBytes(std::string_view data, std::string_view passPhrase = kMusicFilePassPhrase);
+
+}  // namespace plectaro

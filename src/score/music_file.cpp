@@ -1,0 +1,849 @@
+#include "score/music_file.h"
+
+#include <algorithm>
+#include <charconv>
+#include <functional>
+#include <string_view>
+#include <unordered_map>
+
+#include "score/cipher.h"
+#include "score/new_score.h"
+#include "score/text_codec.h"
+#include "score/value_text.h"
+
+namespace plectaro {
+
+namespace {
+
+// ---- tag names (Windows-1252 bytes; kept apart so that no hex escape swallows a letter) ----
+namespace tag {
+constexpr std::string_view Notes = "\xDD", Album = "\xDE", Artist = "\xD8", Author = "\xD7",
+                           Copyright = "\xB9", Instructions = "\xA7", Notice = "\xAB",
+                           ResourceText = "RT://", ResourceAddress = "RA://", Password = "\xAC",
+                           ChordCharts = "\xB1", FileHeaders = "\xD0", Protected = "\xB0",
+                           Shuffle = "\xF7", Tempo = "\xAA", SubTitle = "\xB4",
+                           TabAuthor = "\xF0", Title = "\xA6", RowSpacing = "\xB3",
+                           HeaderFont = "#FC", NoteFont = "#NC", LineColor = "#LC";
+constexpr std::string_view LastTrack = "\xB8", LastBar = "\x90", LastBeat = "\xB5";
+constexpr std::string_view RepeatClose = "\x93", Denominator = "\x9E\x9E", RepeatOpen = "\x94",
+                           Numerator = "\xBA", DSAlCoda = "\x95", Coda = "\x99\x99",
+                           ToCoda = "\x9C\x9C", Sign = "\x9D";
+constexpr std::string_view Reverb = "\xD1\xD1", Lyric = "\xD2\xD2", OctaveDown = "\xD4\xD4" "D",
+                           OctaveUp = "\xD4\xD4" "U", Bass = "\xB2" "BA" "\xB2",
+                           Tab = "\xB2" "TA" "\xB2", Treble = "\xB2" "TR" "\xB2",
+                           Drum = "\xB2" "DR" "\xB2";
+constexpr std::string_view Capo = "f.t.cap:", ChordVolume = "f.t.cvo:", Channel = "f.t.cha:",
+                           EffectChannel = "f.t.ech:", Instrument = "f.t.ins:",
+                           InstrumentName = "f.t.inn:", Name = "f.t.nam:", Strings = "f.t.str:",
+                           TuningPrefix = "f.t.tu", Volume = "f.t.vov:";
+constexpr std::string_view BarCopy = "TB=", Key = "ki:", KeyMinor = "km:";
+constexpr std::string_view Goto = "goto:", Dot = "dot:", Tremolo = "trm:", Tuplet = "tpt:",
+                           Stroke = "strk:", ChordTech = "ctch:", Text = "txt:", Length = "l:",
+                           Chord = "crd:";
+constexpr std::string_view Accent = "acc:", Ghost = "gho:", Harmonic = "har:",
+                           LeftFinger = "lhf:", RightFinger = "rhf:", LetRing = "rng:",
+                           Tied = "lnk:", Note = "p", Technique = "tch:", Bend = "bnd:",
+                           Grace = "grc:", Trill = "trr:";
+}  // namespace tag
+
+// Drum map tags in file order, with the index of their symbol in DrumMap (X o x r f O s S c ~ t F).
+struct DrumTag {
+  std::string_view name;
+  size_t field;
+};
+constexpr DrumTag kDrumTags[12] = {
+    {"f.t.dbf", 11}, {"f.t.dbo", 5}, {"f.t.dbs", 7}, {"f.t.dbx", 0}, {"f.t.dlc", 8}, {"f.t.dlf", 4},
+    {"f.t.dlo", 1},  {"f.t.dlr", 3}, {"f.t.dls", 6}, {"f.t.dlt", 10}, {"f.t.dlx", 2}, {"f.t.dro", 9}};
+
+constexpr size_t kChordTextWidth = 3;  // the reader trims, so any width serves
+
+int stringsOf(const Track& t) { return std::clamp<int>(t.Tuning.NumStrings, 0, kMaxStrings); }
+
+// ============================== writer ==============================
+
+class Out {
+ public:
+  explicit Out(std::string& s) : s_(s) {}
+  Out& operator<<(std::string_view v) {
+    s_.append(v);
+    return *this;
+  }
+  Out& operator<<(const char* v) { return *this << std::string_view(v); }
+  Out& operator<<(char c) {
+    s_.push_back(c);
+    return *this;
+  }
+  Out& operator<<(int v) {
+    char buf[16];
+    auto r = std::to_chars(buf, buf + sizeof buf, v);
+    s_.append(buf, r.ptr);
+    return *this;
+  }
+  Out& operator<<(bool v) { return *this << FormatBool(v); }
+  // A text field, turned into the file's code page.
+  Out& text(const std::string& v) { return *this << std::string_view(Utf8ToCp1252(v)); }
+  Out& real(double v) { return *this << std::string_view(FormatDouble(v)); }
+
+ private:
+  std::string& s_;
+};
+
+void writeFont(Out& o, std::string_view name, const FontInfo& f) {
+  o << '<' << name << int{f.Color} << '|' << f.Bold << '\\' << f.Italic << '/';
+  o.text(f.Name) << '|' << int{f.Size} << '\\' << f.Strikethrough << '/' << f.Underline << '>';
+}
+
+void writeDocumentFields(Out& o, const Score& s) {
+  auto textTag = [&](std::string_view name, const std::string& v) {
+    if (IsBlank(v)) return;
+    o << '<' << name;
+    o.text(v) << '>';
+  };
+  auto flagTag = [&](std::string_view name, bool v) {
+    if (v) o << '<' << name << '>';
+  };
+  textTag(tag::Notes, s.Notes);
+  textTag(tag::Album, s.Album);
+  textTag(tag::Artist, s.Artist);
+  textTag(tag::Author, s.Author);
+  textTag(tag::Copyright, s.Copyright);
+  textTag(tag::Instructions, s.Instructions);
+  textTag(tag::Notice, s.Notice);
+  textTag(tag::ResourceText, s.ResourceText);
+  textTag(tag::ResourceAddress, s.ResourceAddress);
+  textTag(tag::Password, s.Password);
+  flagTag(tag::ChordCharts, s.AlwaysDrawChordCharts);
+  flagTag(tag::FileHeaders, s.AlwaysDrawFileHeaders);
+  flagTag(tag::Protected, s.PasswordProtected);
+  flagTag(tag::Shuffle, s.ShuffleRhythm);
+  o << '<' << tag::Tempo << std::string_view(FormatFloat(s.Tempo)) << '>';
+  textTag(tag::SubTitle, s.SubTitle);
+  textTag(tag::TabAuthor, s.TabAuthor);
+  textTag(tag::Title, s.Title);
+  o << '<' << tag::RowSpacing << int{s.RowSpacing} << '>';
+  writeFont(o, tag::HeaderFont, s.HeaderFont);
+  writeFont(o, tag::NoteFont, s.NoteFont);
+  o << '<' << tag::LineColor << int{s.LineColor} << '>';
+}
+
+void writeSizes(Out& o, const Score& s) {
+  o << '<' << tag::LastTrack << s.LastTrack() << '>';
+  o << '<' << tag::LastBar << (static_cast<int>(s.BarInfos.size()) - 1) << '>';
+  for (int t = 0; t <= s.LastTrack(); ++t)
+    for (int b = 0; b <= s.GetLastBar(t); ++b)
+      o << '<' << tag::LastBeat << t << '|' << b << '/' << s.GetLastBeat(t, b) << '>';
+}
+
+void writeBarInfos(Out& o, const Score& s) {
+  for (int b = 0; b < static_cast<int>(s.BarInfos.size()); ++b) {
+    const BarInfo& bi = s.BarInfos[static_cast<size_t>(b)];
+    if (bi.RepeatClose > 0) o << '<' << tag::RepeatClose << b << '|' << int{bi.RepeatClose} << '>';
+    o << '<' << tag::Denominator << int{bi.TimeSigDenominator} << '>';
+    if (bi.RepeatOpen) o << '<' << tag::RepeatOpen << b << '>';
+    o << '<' << tag::Numerator << int{bi.TimeSigNumerator} << '>';
+    if (bi.DSAlCoda) o << '<' << tag::DSAlCoda << b << '>';
+    if (bi.Coda) o << '<' << tag::Coda << b << '>';
+    if (bi.ToCoda) o << '<' << tag::ToCoda << b << '>';
+    if (bi.Sign) o << '<' << tag::Sign << b << '>';
+  }
+}
+
+void writeTrackHeader(Out& o, const Track& tr, int t) {
+  if (tr.Reverb) o << '<' << tag::Reverb << t << '>';
+  for (int i = 0; i < 5; ++i) {
+    const std::string& line = tr.Lyrics[static_cast<size_t>(i)];
+    if (!IsBlank(line)) {
+      o << '<' << tag::Lyric << char('1' + i) << t << '|';
+      o.text(line) << '>';
+    }
+  }
+  if (tr.OctaveDown) o << '<' << tag::OctaveDown << t << '>';
+  if (tr.OctaveUp) o << '<' << tag::OctaveUp << t << '>';
+  if (tr.BassStaff) o << '<' << tag::Bass << t << '>';
+  if (tr.TabStaff) o << '<' << tag::Tab << t << '>';
+  if (tr.TrebleStaff) o << '<' << tag::Treble << t << '>';
+  if (tr.DrumTrack) o << '<' << tag::Drum << t << '>';
+  for (int s = 0; s < kMaxStrings; ++s)
+    for (const DrumTag& d : kDrumTags)
+      o << '<' << d.name << t << '\\' << s << '|'
+        << int{tr.DrumMaps[static_cast<size_t>(s)].Drum[d.field]} << '>';
+  o << '<' << tag::Capo << int{tr.Capo} << '>';
+  o << '<' << tag::ChordVolume << int{tr.ChordVolume} << '>';
+  o << '<' << tag::Channel << int{tr.Channel} << '>';
+  o << '<' << tag::EffectChannel << int{tr.EffectChannel} << '>';
+  o << '<' << tag::Instrument << int{tr.Instrument} << '>';
+  if (!tr.DrumTrack) {
+    o << '<' << tag::InstrumentName;
+    o.text(tr.InstrumentName) << '>';
+  }
+  o << '<' << tag::Name;
+  o.text(tr.Name) << '>';
+  o << '<' << tag::Strings << int{tr.Tuning.NumStrings} << '>';
+  for (int i = 0; i < kMaxStrings; ++i)
+    o << '<' << tag::TuningPrefix << char('0' + i) << ':' << int{tr.Tuning.Offset[static_cast<size_t>(i)]}
+      << '>';
+  o << '<' << tag::Volume << int{tr.Volume} << '>';
+}
+
+// Points separated alternately by '\' and '/', each point followed by its separator.
+template <size_t N>
+void writePoints(Out& o, const std::array<double, N>& points) {
+  for (size_t i = 0; i < N; ++i) o.real(points[i]) << (i % 2 == 0 ? '\\' : '/');
+}
+
+void writePadded(Out& o, const std::string& v) {
+  std::string enc = Utf8ToCp1252(v);
+  if (enc.size() < kChordTextWidth) enc.append(kChordTextWidth - enc.size(), ' ');
+  o << std::string_view(enc);
+}
+
+void writeChord(Out& o, const BeatChord& c, int t, int b, int k) {
+  o << '<' << tag::Chord << t << '|' << b << '\\' << k << '/' << c.Barre << '\\' << int{c.StartFret}
+    << '/' << int{c.NumStrings} << '\\';
+  for (size_t i = 0; i < kMaxStrings; ++i) o << int{c.Tuning[i]} << (i % 2 == 0 ? '/' : '\\');
+  size_t n = 0;
+  for (const auto* texts : {&c.Frets, &c.Fingers})
+    for (const std::string& v : *texts) {
+      writePadded(o, v);
+      o << (n++ % 2 == 0 ? '\\' : '/');
+    }
+  o.text(c.Name) << '>';
+}
+
+void writeNote(Out& o, const NoteSlot& n, int t, int b, int k, int s) {
+  // Every note tag names its place as t|b\k/s.
+  auto place = [&](std::string_view name) -> Out& {
+    return o << '<' << name << t << '|' << b << '\\' << k << '/' << s;
+  };
+  if (n.Accentuate) place(tag::Accent) << '>';
+  if (n.GhostNote) place(tag::Ghost) << '>';
+  if (n.Harmonic != 0)  // the one note tag with ':' before the string and '/' after it
+    o << '<' << tag::Harmonic << t << '|' << b << '\\' << k << ':' << s << '/' << int{n.Harmonic} << '>';
+  if (n.LeftFinger != 0) place(tag::LeftFinger) << ':' << int{n.LeftFinger} << '>';
+  if (n.RightFinger != 0) place(tag::RightFinger) << ':' << int{n.RightFinger} << '>';
+  if (n.LetRing) place(tag::LetRing) << '>';
+  if (n.Tied) place(tag::Tied) << '>';
+  if (!n.Fret.empty()) {
+    place(tag::Note) << ':';
+    o.text(n.Fret) << '|' << int{n.Volume} << '>';
+  }
+  if (n.Technique != 0) place(tag::Technique) << '|' << int{n.Technique} << '>';
+  if (n.HasBend) {
+    place(tag::Bend) << ':';
+    writePoints(o, n.Bend->Points);
+    o << int{n.Bend->PresetIndex} << ':' << int{n.Bend->Scale} << '>';
+  }
+  if (n.HasGrace) {
+    place(tag::Grace) << ':' << int{n.Grace.Length} << '|' << int{n.Grace.Volume} << ':';
+    o.text(n.Grace.Fret) << '|' << int{n.Grace.Transition} << '>';
+  }
+  if (n.HasTrill) place(tag::Trill) << ':' << int{n.Trill.TrillFret} << '|' << int{n.Trill.Period} << '>';
+}
+
+void writeBeat(Out& o, const Beat& bt, int t, int b, int k, int numStrings) {
+  if (!bt.GotoName.empty()) {
+    o << '<' << tag::Goto << t << '|' << b << '\\' << k << '/';
+    o.text(bt.GotoName) << '>';
+  }
+  if (bt.Dotted) o << '<' << tag::Dot << t << '|' << b << '\\' << k << '>';
+  if (bt.HasTremoloBar) {
+    o << '<' << tag::Tremolo << t << '\\' << b << '|' << k << '\\' << int{bt.TremoloBar->Kind} << '/';
+    o.text(bt.TremoloBar->Label) << '|';
+    writePoints(o, bt.TremoloBar->Points);
+    o << '>';
+  }
+  if (bt.IsTuplet) o << '<' << tag::Tuplet << t << '|' << b << ':' << k << '\\' << int{bt.Tuplet} << '>';
+  if (bt.Stroke != 0) o << '<' << tag::Stroke << t << '|' << b << '/' << k << '\\' << int{bt.Stroke} << '>';
+  if (bt.ChordTechnique != 0)
+    o << '<' << tag::ChordTech << t << '|' << b << '/' << k << '\\' << int{bt.ChordTechnique} << '>';
+  if (!IsBlank(bt.Text)) {
+    o << '<' << tag::Text << t << '|' << b << '/' << k << '\\';
+    o.text(bt.Text) << '>';
+  }
+  o << '<' << tag::Length << int{bt.Length} << '>';
+  if (bt.HasChord) writeChord(o, *bt.Chord, t, b, k);
+  for (int s = 0; s < numStrings; ++s) writeNote(o, bt.Notes[static_cast<size_t>(s)], t, b, k, s);
+}
+
+// The body of one TrackBar: key tags and beats. The bar compression renders it once with bar
+// number 0, so that equal bars give equal text.
+void writeBarBody(Out& o, const TrackBar& tb, int t, int b, int numStrings) {
+  o << '<' << tag::Key << t << '\\' << b << '/' << int{tb.KeySignature} << '>';
+  o << '<' << tag::KeyMinor << t << '\\' << b << '/' << tb.KeyMinor << '>';
+  for (size_t k = 0; k < tb.Beats.size(); ++k)
+    writeBeat(o, tb.Beats[k], t, b, static_cast<int>(k), numStrings);
+}
+
+// For each bar of a track, the nearest earlier bar with the same text, or -1. A reference may
+// point at a bar that is itself a reference.
+std::vector<int> barReferences(const Track& tr, int t) {
+  const int numStrings = stringsOf(tr);
+  std::vector<std::string> texts(tr.Bars.size());
+  std::vector<int> refs(tr.Bars.size(), -1);
+  std::unordered_map<std::string_view, int> lastSeen;
+  lastSeen.reserve(tr.Bars.size());
+  for (size_t b = 0; b < tr.Bars.size(); ++b) {
+    // Bars still shared with an earlier bar of the track (a copy never edited) need no text.
+    if (b > 0 && tr.Bars[b].sharesWith(tr.Bars[b - 1])) {
+      refs[b] = static_cast<int>(b) - 1;
+      texts[b] = texts[b - 1];
+      lastSeen[texts[b]] = static_cast<int>(b);
+      continue;
+    }
+    Out o(texts[b]);
+    writeBarBody(o, *tr.Bars[b], t, 0, numStrings);
+    auto [it, fresh] = lastSeen.try_emplace(texts[b], static_cast<int>(b));
+    if (!fresh) {
+      refs[b] = it->second;
+      it->second = static_cast<int>(b);
+    }
+  }
+  // The map's keys view into `texts`; it dies with this function before they do.
+  return refs;
+}
+
+void writeTrackBars(Out& o, const Track& tr, int t) {
+  const std::vector<int> refs = barReferences(tr, t);
+  const int numStrings = stringsOf(tr);
+  for (size_t b = 0; b < tr.Bars.size(); ++b) {
+    if (refs[b] >= 0)
+      o << '<' << tag::BarCopy << t << '\\' << static_cast<int>(b) << '|' << refs[b] << '>';
+    else
+      writeBarBody(o, *tr.Bars[b], t, static_cast<int>(b), numStrings);
+  }
+}
+
+// ============================== reader ==============================
+
+// The arguments of one tag piece, read field by field. Each field runs from the current
+// position to the next occurrence of its delimiter; a field with no delimiter after it takes
+// the rest of the piece (a '<' inside a field cut the piece short).
+class Fields {
+ public:
+  Fields(std::string_view piece, size_t start) : p_(piece), pos_(std::min(start, piece.size())) {}
+
+  std::string_view raw(char delim) {
+    size_t end = p_.find(delim, pos_);
+    std::string_view v;
+    if (end == std::string_view::npos) {
+      v = p_.substr(pos_);
+      pos_ = p_.size();
+    } else {
+      v = p_.substr(pos_, end - pos_);
+      pos_ = end + 1;
+    }
+    return v;
+  }
+  int16_t i16(char delim) { return ParseI16(raw(delim)); }
+  int32_t i32(char delim) { return ParseI32(raw(delim)); }
+  int index(char delim) { return ParseI16(raw(delim)); }
+  bool flag(char delim) { return ParseBool(raw(delim)); }
+  double real(char delim) { return ParseNumber(raw(delim)); }
+  float real32(char delim) { return ParseFloat(raw(delim)); }
+  std::string text(char delim) { return Cp1252ToUtf8(raw(delim)); }
+
+ private:
+  std::string_view p_;
+  size_t pos_;
+};
+
+class Reader {
+ public:
+  Reader(Score& s, size_t plainSize) : s_(s), beatBudget_(16 * plainSize + 65536) {}
+
+  void piece(std::string_view p);
+
+ private:
+  using Handler = void (Reader::*)(Fields&);
+  struct Entry {
+    std::string_view name;
+    Handler fn;
+  };
+  static const std::vector<Entry>& entriesFor(unsigned char first);
+
+  void grow(size_t beats) {
+    if (beats > beatBudget_)
+      throw FileError("the file is damaged: it declares more beats than it holds");
+    beatBudget_ -= beats;
+  }
+
+  // ---- document fields ----
+  void notes(Fields& f) { s_.Notes = f.text('>'); }
+  void album(Fields& f) { s_.Album = f.text('>'); }
+  void artist(Fields& f) { s_.Artist = f.text('>'); }
+  void author(Fields& f) { s_.Author = f.text('>'); }
+  void copyright(Fields& f) { s_.Copyright = f.text('>'); }
+  void instructions(Fields& f) { s_.Instructions = f.text('>'); }
+  void notice(Fields& f) { s_.Notice = f.text('>'); }
+  void password(Fields& f) { s_.Password = f.text('>'); }
+  void chordCharts(Fields&) { s_.AlwaysDrawChordCharts = true; }
+  void fileHeaders(Fields&) { s_.AlwaysDrawFileHeaders = true; }
+  void isProtected(Fields&) { s_.PasswordProtected = true; }
+  void shuffle(Fields&) { s_.ShuffleRhythm = true; }
+  void tempo(Fields& f) { s_.Tempo = f.real32('>'); }
+  void subTitle(Fields& f) { s_.SubTitle = f.text('>'); }
+  void tabAuthor(Fields& f) { s_.TabAuthor = f.text('>'); }
+  void title(Fields& f) { s_.Title = f.text('>'); }
+  void rowSpacing(Fields& f) { s_.RowSpacing = f.i16('>'); }
+  static void font(Fields& f, FontInfo& font) {
+    font.Color = f.i32('|');
+    font.Bold = f.flag('\\');
+    font.Italic = f.flag('/');
+    font.Name = f.text('|');
+    font.Size = f.i16('\\');
+    font.Strikethrough = f.flag('/');
+    font.Underline = f.flag('>');
+  }
+  void headerFont(Fields& f) { font(f, s_.HeaderFont); }
+  void noteFont(Fields& f) { font(f, s_.NoteFont); }
+  void lineColor(Fields& f) { s_.LineColor = f.i32('>'); }
+
+  // ---- sizes ----
+  void lastTrack(Fields& f);
+  void lastBar(Fields& f);
+  void lastBeat(Fields& f);
+
+  // ---- bar infos ----
+  void repeatClose(Fields& f) {
+    int b = f.index('|');
+    s_.barInfoMut(b).RepeatClose = f.i16('>');
+  }
+  void denominator(Fields& f) { s_.barInfoMut(denominatorBar_++).TimeSigDenominator = f.i32('>'); }
+  void numerator(Fields& f) { s_.barInfoMut(numeratorBar_++).TimeSigNumerator = f.i32('>'); }
+  void repeatOpen(Fields& f) { s_.barInfoMut(f.index('>')).RepeatOpen = true; }
+  void dsAlCoda(Fields& f) { s_.barInfoMut(f.index('>')).DSAlCoda = true; }
+  void coda(Fields& f) { s_.barInfoMut(f.index('>')).Coda = true; }
+  void toCoda(Fields& f) { s_.barInfoMut(f.index('>')).ToCoda = true; }
+  void sign(Fields& f) { s_.barInfoMut(f.index('>')).Sign = true; }
+
+  // ---- track header ----
+  void reverb(Fields& f) { s_.trackMut(f.index('>')).Reverb = true; }
+  void lyric(Fields& f);
+  void octaveDown(Fields& f) { s_.trackMut(f.index('>')).OctaveDown = true; }
+  void octaveUp(Fields& f) { s_.trackMut(f.index('>')).OctaveUp = true; }
+  void bass(Fields& f) { s_.trackMut(f.index('>')).BassStaff = true; }
+  void tab(Fields& f) { s_.trackMut(f.index('>')).TabStaff = true; }
+  void treble(Fields& f) { s_.trackMut(f.index('>')).TrebleStaff = true; }
+  void drum(Fields& f) { s_.trackMut(f.index('>')).DrumTrack = true; }
+  void drumMap(Fields& f, size_t field) {
+    int t = f.index('\\');
+    int str = f.index('|');
+    Track& tr = s_.trackMut(t);
+    if (str < 0 || str >= kMaxStrings) throw ScoreError("drum map line out of range");
+    tr.DrumMaps[static_cast<size_t>(str)].Drum[field] = f.i16('>');
+  }
+  template <size_t Field>
+  void drumMapOf(Fields& f) {
+    drumMap(f, Field);
+  }
+  Track& headerTrack() { return s_.trackMut(headerTrack_); }
+  void capo(Fields& f) { headerTrack().Capo = f.i16('>'); }
+  void chordVolume(Fields& f) { headerTrack().ChordVolume = f.i16('>'); }
+  void channel(Fields& f) { headerTrack().Channel = f.i16('>'); }
+  void effectChannel(Fields& f) { headerTrack().EffectChannel = f.i16('>'); }
+  void instrument(Fields& f) { headerTrack().Instrument = f.i16('>'); }
+  void instrumentName(Fields& f) { headerTrack().InstrumentName = f.text('>'); }
+  void name(Fields& f) { headerTrack().Name = f.text('>'); }
+  void strings(Fields& f) {
+    // The one field checked on reading: it bounds every loop over a beat's seven slots.
+    headerTrack().Tuning.NumStrings = static_cast<int16_t>(std::clamp<int>(f.i16('>'), 1, kMaxStrings));
+  }
+  template <size_t String>
+  void tuning(Fields& f) {
+    headerTrack().Tuning.Offset[String] = f.i16('>');
+  }
+  void volume(Fields& f) {
+    headerTrack().Volume = f.i16('>');
+    ++headerTrack_;
+  }
+
+  // ---- bars of a track ----
+  void stepBar();
+  void barCopy(Fields& f);
+  void key(Fields& f) {
+    int t = f.index('\\');
+    int b = f.index('/');
+    s_.barMut(t, b).KeySignature = f.i32('>');
+  }
+  void keyMinor(Fields& f) {
+    int t = f.index('\\');
+    int b = f.index('/');
+    s_.barMut(t, b).KeyMinor = f.flag('>');
+  }
+  // Most beat and note tags begin t|b\k.
+  Beat& beatAt(Fields& f, char afterBar = '\\', char afterBeat = '/') {
+    int t = f.index('|');
+    int b = f.index(afterBar);
+    int k = f.index(afterBeat);
+    return s_.beatMut(t, b, k);
+  }
+  NoteSlot& noteAt(Fields& f, char afterString) {
+    Beat& bt = beatAt(f);
+    int str = f.index(afterString);
+    if (str < 0 || str >= kMaxStrings) throw ScoreError("string out of range");
+    return bt.Notes[static_cast<size_t>(str)];
+  }
+  void gotoName(Fields& f) { beatAt(f).GotoName = f.text('>'); }
+  void dot(Fields& f) { beatAt(f, '\\', '>').Dotted = true; }
+  void tremolo(Fields& f);
+  void tuplet(Fields& f) {
+    Beat& bt = beatAt(f, ':', '\\');
+    bt.Tuplet = f.i32('>');
+    bt.IsTuplet = true;
+  }
+  void stroke(Fields& f) { beatAt(f, '/', '\\').Stroke = f.i32('>'); }
+  void chordTechnique(Fields& f) { beatAt(f, '/', '\\').ChordTechnique = f.i32('>'); }
+  void text(Fields& f) { beatAt(f, '/', '\\').Text = f.text('>'); }
+  void length(Fields& f);
+  void chord(Fields& f);
+  void accent(Fields& f) { noteAt(f, '>').Accentuate = true; }
+  void ghost(Fields& f) { noteAt(f, '>').GhostNote = true; }
+  void harmonic(Fields& f) {
+    Beat& bt = beatAt(f, '\\', ':');
+    int str = f.index('/');
+    if (str < 0 || str >= kMaxStrings) throw ScoreError("string out of range");
+    bt.Notes[static_cast<size_t>(str)].Harmonic = f.i32('>');
+  }
+  void leftFinger(Fields& f) { noteAt(f, ':').LeftFinger = f.i32('>'); }
+  void rightFinger(Fields& f) { noteAt(f, ':').RightFinger = f.i32('>'); }
+  void letRing(Fields& f) { noteAt(f, '>').LetRing = true; }
+  void tied(Fields& f) { noteAt(f, '>').Tied = true; }
+  void note(Fields& f) {
+    NoteSlot& n = noteAt(f, ':');
+    n.Fret = std::string(Trim(f.text('|')));
+    n.Volume = f.i32('>');
+  }
+  void technique(Fields& f) { noteAt(f, '|').Technique = f.i32('>'); }
+  void bend(Fields& f);
+  void grace(Fields& f) {
+    NoteSlot& n = noteAt(f, ':');
+    n.Grace.Length = f.i32('|');
+    n.Grace.Volume = f.i32(':');
+    n.Grace.Fret = f.text('|');
+    n.Grace.Transition = f.i32('>');
+    n.HasGrace = true;
+  }
+  void trill(Fields& f) {
+    NoteSlot& n = noteAt(f, ':');
+    n.Trill.TrillFret = f.i16('|');
+    n.Trill.Period = f.i32('>');
+    n.HasTrill = true;
+  }
+
+  template <size_t N>
+  static void points(Fields& f, std::array<double, N>& out) {
+    for (size_t i = 0; i < N; ++i) out[i] = f.real(i % 2 == 0 ? '\\' : '/');
+  }
+
+  Score& s_;
+  size_t beatBudget_;
+  int headerTrack_ = 0;
+  int readTrack_ = 0, readBar_ = 0, readBeat_ = 0;
+  int denominatorBar_ = 0, numeratorBar_ = 0;
+};
+
+const std::vector<Reader::Entry>& Reader::entriesFor(unsigned char first) {
+  static const std::array<std::vector<Entry>, 256> table = [] {
+    // Longer names first where one name begins another.
+    const std::vector<Entry> all = {
+        {tag::Notes, &Reader::notes},
+        {tag::Album, &Reader::album},
+        {tag::Artist, &Reader::artist},
+        {tag::Author, &Reader::author},
+        {tag::Copyright, &Reader::copyright},
+        {tag::Instructions, &Reader::instructions},
+        {tag::Notice, &Reader::notice},
+        // The resource tags are deliberately absent: they are written but were never read back,
+        // and files rely on the fields staying empty after a load.
+        {tag::Password, &Reader::password},
+        {tag::ChordCharts, &Reader::chordCharts},
+        {tag::FileHeaders, &Reader::fileHeaders},
+        {tag::Protected, &Reader::isProtected},
+        {tag::Shuffle, &Reader::shuffle},
+        {tag::Tempo, &Reader::tempo},
+        {tag::SubTitle, &Reader::subTitle},
+        {tag::TabAuthor, &Reader::tabAuthor},
+        {tag::Title, &Reader::title},
+        {tag::RowSpacing, &Reader::rowSpacing},
+        {tag::HeaderFont, &Reader::headerFont},
+        {tag::NoteFont, &Reader::noteFont},
+        {tag::LineColor, &Reader::lineColor},
+        {tag::LastTrack, &Reader::lastTrack},
+        {tag::LastBar, &Reader::lastBar},
+        {tag::LastBeat, &Reader::lastBeat},
+        {tag::RepeatClose, &Reader::repeatClose},
+        {tag::Denominator, &Reader::denominator},
+        {tag::RepeatOpen, &Reader::repeatOpen},
+        {tag::Numerator, &Reader::numerator},
+        {tag::DSAlCoda, &Reader::dsAlCoda},
+        {tag::Coda, &Reader::coda},
+        {tag::ToCoda, &Reader::toCoda},
+        {tag::Sign, &Reader::sign},
+        {tag::Reverb, &Reader::reverb},
+        {tag::Lyric, &Reader::lyric},
+        {tag::OctaveDown, &Reader::octaveDown},
+        {tag::OctaveUp, &Reader::octaveUp},
+        {tag::Bass, &Reader::bass},
+        {tag::Tab, &Reader::tab},
+        {tag::Treble, &Reader::treble},
+        {tag::Drum, &Reader::drum},
+        {kDrumTags[0].name, &Reader::drumMapOf<11>},
+        {kDrumTags[1].name, &Reader::drumMapOf<5>},
+        {kDrumTags[2].name, &Reader::drumMapOf<7>},
+        {kDrumTags[3].name, &Reader::drumMapOf<0>},
+        {kDrumTags[4].name, &Reader::drumMapOf<8>},
+        {kDrumTags[5].name, &Reader::drumMapOf<4>},
+        {kDrumTags[6].name, &Reader::drumMapOf<1>},
+        {kDrumTags[7].name, &Reader::drumMapOf<3>},
+        {kDrumTags[8].name, &Reader::drumMapOf<6>},
+        {kDrumTags[9].name, &Reader::drumMapOf<10>},
+        {kDrumTags[10].name, &Reader::drumMapOf<2>},
+        {kDrumTags[11].name, &Reader::drumMapOf<9>},
+        {tag::Capo, &Reader::capo},
+        {tag::ChordVolume, &Reader::chordVolume},
+        {tag::Channel, &Reader::channel},
+        {tag::EffectChannel, &Reader::effectChannel},
+        {tag::Instrument, &Reader::instrument},
+        {tag::InstrumentName, &Reader::instrumentName},
+        {tag::Name, &Reader::name},
+        {tag::Strings, &Reader::strings},
+        {"f.t.tu0:", &Reader::tuning<0>},
+        {"f.t.tu1:", &Reader::tuning<1>},
+        {"f.t.tu2:", &Reader::tuning<2>},
+        {"f.t.tu3:", &Reader::tuning<3>},
+        {"f.t.tu4:", &Reader::tuning<4>},
+        {"f.t.tu5:", &Reader::tuning<5>},
+        {"f.t.tu6:", &Reader::tuning<6>},
+        {tag::Volume, &Reader::volume},
+        {tag::BarCopy, &Reader::barCopy},
+        {tag::Key, &Reader::key},
+        {tag::KeyMinor, &Reader::keyMinor},
+        {tag::Goto, &Reader::gotoName},
+        {tag::Dot, &Reader::dot},
+        {tag::Tremolo, &Reader::tremolo},
+        {tag::Tuplet, &Reader::tuplet},
+        {tag::Stroke, &Reader::stroke},
+        {tag::ChordTech, &Reader::chordTechnique},
+        {tag::Text, &Reader::text},
+        {tag::Length, &Reader::length},
+        {tag::Chord, &Reader::chord},
+        {tag::Accent, &Reader::accent},
+        {tag::Ghost, &Reader::ghost},
+        {tag::Harmonic, &Reader::harmonic},
+        {tag::LeftFinger, &Reader::leftFinger},
+        {tag::RightFinger, &Reader::rightFinger},
+        {tag::LetRing, &Reader::letRing},
+        {tag::Tied, &Reader::tied},
+        {tag::Technique, &Reader::technique},
+        {tag::Bend, &Reader::bend},
+        {tag::Grace, &Reader::grace},
+        {tag::Trill, &Reader::trill},
+        {tag::Note, &Reader::note},  // "p" last: the shortest name of all
+    };
+    std::array<std::vector<Entry>, 256> t;
+    for (const Entry& e : all) t[static_cast<unsigned char>(e.name[0])].push_back(e);
+    for (auto& list : t)
+      std::stable_sort(list.begin(), list.end(),
+                       [](const Entry& a, const Entry& b) { return a.name.size() > b.name.size(); });
+    return t;
+  }();
+  return table[first];
+}
+
+void Reader::piece(std::string_view p) {
+  if (p.empty()) return;
+  for (const Entry& e : entriesFor(static_cast<unsigned char>(p[0]))) {
+    if (p.substr(0, e.name.size()) != e.name) continue;
+    Fields f(p, e.name.size());
+    try {
+      (this->*e.fn)(f);
+    } catch (const ScoreError&) {
+      // A tag that names a place the file never sized is skipped, as unknown tags are.
+    }
+    return;
+  }
+}
+
+void Reader::lastTrack(Fields& f) {
+  int last = f.index('>');
+  if (last < 0) return;
+  const size_t n = static_cast<size_t>(last) + 1;
+  grow(n > s_.Tracks.size() ? (n - s_.Tracks.size()) * s_.BarInfos.size() : 0);
+  const size_t before = s_.Tracks.size();
+  s_.Tracks.resize(n);
+  for (size_t t = before; t < n; ++t) {
+    Track& tr = s_.Tracks[t];
+    // Flags a file writes only when true start out false, as on every track of a load.
+    tr.DrumTrack = tr.TabStaff = tr.TrebleStaff = tr.BassStaff = false;
+    tr.Bars.resize(s_.BarInfos.size());
+  }
+}
+
+void Reader::lastBar(Fields& f) {
+  int last = f.index('>');
+  if (last < 0) return;
+  const size_t n = static_cast<size_t>(last) + 1;
+  grow(n > s_.BarInfos.size() ? (n - s_.BarInfos.size()) * s_.Tracks.size() : 0);
+  s_.SetBarCount(last);
+}
+
+void Reader::lastBeat(Fields& f) {
+  int t = f.index('|');
+  int b = f.index('/');
+  int last = f.index('>');
+  if (last < 0) return;
+  const size_t have = s_.bar(t, b).Beats.size();
+  if (static_cast<size_t>(last) + 1 > have) grow(static_cast<size_t>(last) + 1 - have);
+  s_.SetBeatCount(t, b, last);
+}
+
+void Reader::lyric(Fields& f) {
+  // The line number 1 to 5 stands right after the name, then t|text.
+  std::string_view head = f.raw('|');
+  if (head.empty() || head[0] < '1' || head[0] > '5') throw ScoreError("lyric line out of range");
+  const int t = ParseI16(head.substr(1));
+  s_.trackMut(t).Lyrics[static_cast<size_t>(head[0] - '1')] = f.text('>');
+}
+
+void Reader::stepBar() {
+  readBeat_ = 0;
+  if (readTrack_ >= 0 && readTrack_ <= s_.LastTrack() && readBar_ >= s_.GetLastBar(readTrack_)) {
+    ++readTrack_;
+    readBar_ = 0;
+  } else {
+    ++readBar_;
+  }
+}
+
+void Reader::barCopy(Fields& f) {
+  int t = f.index('\\');
+  int b = f.index('|');
+  int from = f.index('>');
+  try {
+    Track& tr = s_.trackMut(t);
+    if (b < 0 || from < 0 || static_cast<size_t>(b) >= tr.Bars.size() ||
+        static_cast<size_t>(from) >= tr.Bars.size())
+      throw ScoreError("bar copy out of range");
+    tr.Bars[static_cast<size_t>(b)] = tr.Bars[static_cast<size_t>(from)];
+  } catch (const ScoreError&) {
+  }
+  stepBar();
+}
+
+void Reader::length(Fields& f) {
+  const int32_t len = f.i32('>');
+  s_.beatMut(readTrack_, readBar_, readBeat_).Length = len;
+  if (readBeat_ < s_.GetLastBeat(readTrack_, readBar_))
+    ++readBeat_;
+  else
+    stepBar();
+}
+
+void Reader::tremolo(Fields& f) {
+  int t = f.index('\\');
+  int b = f.index('|');
+  int k = f.index('\\');
+  Beat& bt = s_.beatMut(t, b, k);
+  TremoloBarInfo& tb = bt.TremoloBar.mut();
+  tb.Kind = f.i32('/');
+  tb.Label = f.text('|');
+  points(f, tb.Points);
+  bt.HasTremoloBar = true;
+}
+
+void Reader::chord(Fields& f) {
+  Beat& bt = beatAt(f);
+  BeatChord& c = bt.Chord.mut();
+  c.Barre = f.flag('\\');
+  c.StartFret = f.i16('/');
+  c.NumStrings = f.i16('\\');
+  for (size_t i = 0; i < kMaxStrings; ++i) c.Tuning[i] = f.i16(i % 2 == 0 ? '/' : '\\');
+  size_t n = 0;
+  for (auto* texts : {&c.Frets, &c.Fingers})
+    for (std::string& v : *texts) v = std::string(Trim(f.text(n++ % 2 == 0 ? '\\' : '/')));
+  c.Name = f.text('>');
+  bt.HasChord = true;
+}
+
+void Reader::bend(Fields& f) {
+  NoteSlot& n = noteAt(f, ':');
+  BendInfo& b = n.Bend.mut();
+  points(f, b.Points);
+  b.PresetIndex = f.i32(':');
+  b.Scale = f.i32('>');
+  n.HasBend = true;
+}
+
+// First line up to CR or LF, as a line input reads it.
+std::string_view firstLine(std::string_view plain) {
+  size_t end = plain.find_first_of("\r\n");
+  return end == std::string_view::npos ? plain : plain.substr(0, end);
+}
+
+}  // namespace
+
+std::string WriteMusicText(const Score& s) {
+  std::string text;
+  text.reserve(4096);
+  Out o(text);
+  o << kVersionLine << "\r\n";
+  writeDocumentFields(o, s);
+  writeSizes(o, s);
+  writeBarInfos(o, s);
+  for (int t = 0; t <= s.LastTrack(); ++t) {
+    const Track& tr = s.Tracks[static_cast<size_t>(t)];
+    writeTrackHeader(o, tr, t);
+    writeTrackBars(o, tr, t);
+  }
+  o << "\r\n";
+  return text;
+}
+
+ReadOutcome ReadMusicText(std::string_view plain, Score& score) {
+  // Only the text before the last four characters of the first line counts, so a later
+  // "Plectaro 4.1" would still be read.
+  std::string_view line = firstLine(plain);
+  if (line.size() < 4 || line.substr(0, line.size() - 4) != "Plectaro") return ReadOutcome::WrongFile;
+
+  Score s = score;
+  for (Track& tr : s.Tracks) tr.DrumTrack = tr.TabStaff = tr.TrebleStaff = tr.BassStaff = false;
+  s.AlwaysDrawChordCharts = s.AlwaysDrawFileHeaders = s.PasswordProtected = s.ShuffleRhythm = false;
+
+  Reader reader(s, plain.size());
+  size_t pos = plain.find('<');
+  while (pos != std::string_view::npos) {
+    size_t next = plain.find('<', pos + 1);
+    reader.piece(plain.substr(pos + 1, next == std::string_view::npos ? std::string_view::npos
+                                                                        : next - pos - 1));
+    pos = next;
+  }
+  score = std::move(s);
+  return ReadOutcome::Ok;
+}
+
+void SaveMusicFile(const Score& score, const std::filesystem::path& path) {
+  WriteFileAtomically(path, CipherBytes(WriteMusicText(score)));
+}
+
+OpenOutcome OpenMusicFile(Document& doc, const std::filesystem::path& path,
+                          const SettingsStore& settings) {
+  const std::string plain = CipherBytes(ReadWholeFile(path));
+  Document fresh;
+  InitScore(fresh, settings);
+  if (ReadMusicText(plain, fresh.score) == ReadOutcome::WrongFile) {
+    ForceNewFile(doc, settings);
+    return OpenOutcome::WrongFile;
+  }
+  fresh.score.CurrentFileName = path.string();
+  doc.score = std::move(fresh.score);
+  doc.CursorTrack = doc.CursorBar = doc.CursorBeat = doc.CursorString = doc.CursorLine = 0;
+  doc.PasswordEntered = false;
+  // A document just opened has nothing to lose yet; asking to save it on close would only
+  // teach the user to click the question away.
+  doc.ScoreChanged = false;
+  doc.Layout.clear();
+  doc.FullRelayout = true;
+  return OpenOutcome::Opened;
+}
+
+}  // namespace plectaro

@@ -1,0 +1,44 @@
+// The .plm music file: a version line and one stream of tags, enciphered as a whole.
+//
+// The tag stream has no escaping: a field holding '<' splits its tag and a field holding '>'
+// ends it early on the next load. Files in the wild depend on the exact byte order of the tags
+// and on the reader's quirks, so both are kept as they are (see music_file.cpp).
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+#include "score/document.h"
+#include "score/file_io.h"
+#include "score/settings_store.h"
+
+namespace plectaro {
+
+inline constexpr std::string_view kVersionLine = "Plectaro 4.0";
+
+// The plain text of a music file, before enciphering.
+std::string WriteMusicText(const Score& score);
+
+enum class ReadOutcome { Ok, WrongFile };
+
+// Fills `score` from plain text. The caller hands in the Score that InitScore made, so that
+// a file without a document tag keeps the user's default for it. WrongFile when the first line
+// is not a music file's version line; `score` is then untouched. Throws FileError when the
+// tag stream declares more than the file could hold (a damaged file).
+ReadOutcome ReadMusicText(std::string_view plain, Score& score);
+
+// Saves the score enciphered; the old file stays whole if anything fails (FileError).
+void SaveMusicFile(const Score& score, const std::filesystem::path& path);
+
+enum class OpenOutcome { Opened, WrongFile };
+
+// Opens a music file into the document, as the File > Open command does: InitScore, the tags,
+// the path as the new file name, the password asked again before the first edit.
+// - A file that cannot be read throws FileError and leaves the document as it was.
+// - A file that is not a music file (another kind of file renamed, an empty or old plain-text
+//   file) gives WrongFile and a new empty Score, the way a new file command leaves it.
+OpenOutcome OpenMusicFile(Document& doc, const std::filesystem::path& path,
+                          const SettingsStore& settings);
+
+}  // namespace plectaro
