@@ -483,7 +483,11 @@ class Reader {
     if (str < 0 || str >= kMaxStrings) throw ScoreError("string out of range");
     return bt.Notes[static_cast<size_t>(str)];
   }
-  void gotoName(Fields& f) { beatAt(f).GotoName = f.text('>'); }
+  // Every handler takes the place first: the fields are read in file order.
+  void gotoName(Fields& f) {
+    Beat& bt = beatAt(f);
+    bt.GotoName = f.text('>');
+  }
   void dot(Fields& f) { beatAt(f, '\\', '>').Dotted = true; }
   void tremolo(Fields& f);
   void tuplet(Fields& f) {
@@ -491,9 +495,18 @@ class Reader {
     bt.Tuplet = f.i32('>');
     bt.IsTuplet = true;
   }
-  void stroke(Fields& f) { beatAt(f, '/', '\\').Stroke = f.i32('>'); }
-  void chordTechnique(Fields& f) { beatAt(f, '/', '\\').ChordTechnique = f.i32('>'); }
-  void text(Fields& f) { beatAt(f, '/', '\\').Text = f.text('>'); }
+  void stroke(Fields& f) {
+    Beat& bt = beatAt(f, '/', '\\');
+    bt.Stroke = f.i32('>');
+  }
+  void chordTechnique(Fields& f) {
+    Beat& bt = beatAt(f, '/', '\\');
+    bt.ChordTechnique = f.i32('>');
+  }
+  void text(Fields& f) {
+    Beat& bt = beatAt(f, '/', '\\');
+    bt.Text = f.text('>');
+  }
   void length(Fields& f);
   void chord(Fields& f);
   void accent(Fields& f) { noteAt(f, '>').Accentuate = true; }
@@ -504,8 +517,14 @@ class Reader {
     if (str < 0 || str >= kMaxStrings) throw ScoreError("string out of range");
     bt.Notes[static_cast<size_t>(str)].Harmonic = f.i32('>');
   }
-  void leftFinger(Fields& f) { noteAt(f, ':').LeftFinger = f.i32('>'); }
-  void rightFinger(Fields& f) { noteAt(f, ':').RightFinger = f.i32('>'); }
+  void leftFinger(Fields& f) {
+    NoteSlot& n = noteAt(f, ':');
+    n.LeftFinger = f.i32('>');
+  }
+  void rightFinger(Fields& f) {
+    NoteSlot& n = noteAt(f, ':');
+    n.RightFinger = f.i32('>');
+  }
   void letRing(Fields& f) { noteAt(f, '>').LetRing = true; }
   void tied(Fields& f) { noteAt(f, '>').Tied = true; }
   void note(Fields& f) {
@@ -513,7 +532,10 @@ class Reader {
     n.Fret = std::string(Trim(f.text('|')));
     n.Volume = f.i32('>');
   }
-  void technique(Fields& f) { noteAt(f, '|').Technique = f.i32('>'); }
+  void technique(Fields& f) {
+    NoteSlot& n = noteAt(f, '|');
+    n.Technique = f.i32('>');
+  }
   void bend(Fields& f);
   void grace(Fields& f) {
     NoteSlot& n = noteAt(f, ':');

@@ -1,0 +1,304 @@
+#include "score/music_file.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+
+#include "score/cipher.h"
+#include "score/new_score.h"
+#include "score_builders.h"
+
+namespace plectaro {
+namespace {
+
+namespace fs = std::filesystem;
+
+class TempDir {
+ public:
+  TempDir() {
+    std::string t = (fs::temp_directory_path() / "plectaro-test-XXXXXX").string();
+    path_ = ::mkdtemp(t.data());
+  }
+  ~TempDir() {
+    std::error_code ec;
+    fs::remove_all(path_, ec);
+  }
+  fs::path operator/(const std::string& name) const { return path_ / name; }
+
+ private:
+  fs::path path_;
+};
+
+void writeBytes(const fs::path& p, const std::string& bytes) {
+  std::ofstream(p, std::ios::binary) << bytes;
+}
+
+std::string hex(const std::string& s) {
+  static const char* d = "0123456789abcdef";
+  std::string h;
+  for (unsigned char c : s) h += {d[c >> 4], d[c & 15]};
+  return h;
+}
+
+Score reload(const Score& s) {
+  Score back;
+  EXPECT_EQ(ReadMusicText(WriteMusicText(s), back), ReadOutcome::Ok);
+  return back;
+}
+
+TEST(Cipher, CheckValueOfTheVersionLine) {
+  EXPECT_EQ(hex(CipherBytes("Plectaro 4.0\r\n")), "bfa0661654a3da3cb6477a0b2ecb");
+  EXPECT_EQ(CipherBytes(CipherBytes("any bytes \x01\xff")), "any bytes \x01\xff");
+}
+
+TEST(MusicFile, WorkedExampleRiffIsByteExact) {
+  Score s = testing::BlankScore();
+  s.Title = "Riff";
+  s.Tempo = 120;
+  s.SetBeatCount(0, 0, 1);
+  s.beatMut(0, 0, 0).Length = kHalf;
+  s.beatMut(0, 0, 1).Length = kHalf;
+  s.noteMut(0, 0, 0, 0).Fret = "0";
+
+  std::string want = "Plectaro 4.0\r\n";
+  want += "<\xB1><\xAA" "120><\xA6Riff><\xB3" "100>";
+  want += "<#FC0|False\\False/Times New Roman|19\\False/False><#NC0|False\\False/Arial|8\\False/False><#LC0>";
+  want += "<\xB8" "0><\x90" "0><\xB5" "0|0/1>";
+  want += "<\x9E\x9E" "4><\xBA" "4>";
+  want += "<\xB2" "TA" "\xB2" "0><\xB2" "TR" "\xB2" "0>";
+  for (int str = 0; str < 7; ++str)
+    for (const char* d : {"dbf", "dbo", "dbs", "dbx", "dlc", "dlf", "dlo", "dlr", "dls", "dlt", "dlx", "dro"})
+      want += std::string("<f.t.") + d + "0\\" + std::to_string(str) + "|0>";
+  want += "<f.t.cap:0><f.t.cvo:30><f.t.cha:0><f.t.ech:1><f.t.ins:24><f.t.inn:A. Guitar (Nylon)>"
+          "<f.t.nam:Track 1><f.t.str:6>";
+  for (int i = 0; i < 7; ++i) want += "<f.t.tu" + std::to_string(i) + ":0>";
+  want += "<f.t.vov:50>";
+  want += "<ki:0\\0/0><km:0\\0/False>";
+  want += "<l:1><p0|0\\0/0:0|0>";
+  want += "<l:1>";
+  want += "\r\n";
+
+  const std::string got = WriteMusicText(s);
+  EXPECT_EQ(got, want);
+  EXPECT_EQ(reload(s), s);
+}
+
+TEST(MusicFile, EveryTagSurvivesARoundTrip) {
+  const Score s = testing::EveryTagScore();
+  const std::string text = WriteMusicText(s);
+  Score back = reload(s);
+  // The resource fields are written but never read back; nothing else may change.
+  EXPECT_EQ(back, s);
+  EXPECT_EQ(WriteMusicText(back), text);
+}
+
+TEST(MusicFile, ResourceFieldsAreWrittenButNotReadBack) {
+  Score s;
+  s.ResourceAddress = "http://example.invalid/tab";
+  s.ResourceText = "a page";
+  const std::string text = WriteMusicText(s);
+  EXPECT_NE(text.find("<RA://http://example.invalid/tab>"), std::string::npos);
+  EXPECT_NE(text.find("<RT://a page>"), std::string::npos);
+  Score back = reload(s);
+  EXPECT_EQ(back.ResourceAddress, "");
+  EXPECT_EQ(back.ResourceText, "");
+}
+
+TEST(MusicFile, EveryByteOfATextFieldSurvives) {
+  std::string bytes;
+  for (int b = 1; b < 256; ++b)
+    if (b != '<' && b != '>') bytes += static_cast<char>(b);
+  // Build the plain text by hand so the field holds raw file bytes, then load and save.
+  Score s;
+  std::string text = WriteMusicText(s);
+  const std::string title = "<\xA6Untitled>";
+  text.replace(text.find(title), title.size(), "<\xA6" + bytes + ">");
+  Score loaded;
+  ASSERT_EQ(ReadMusicText(text, loaded), ReadOutcome::Ok);
+  EXPECT_EQ(WriteMusicText(loaded), text);
+}
+
+TEST(MusicFile, IdenticalBarsAreStoredAsReferences) {
+  Score s;
+  s.SetBarCount(5);
+  for (int b : {1, 3, 5}) testing::SetFrets(s, 0, b, 0, {"3", "", "5"});
+  testing::SetFrets(s, 0, 2, 0, {"7"});
+  s.barMut(0, 4).KeySignature = 2;  // same beats as bar 0, different key: not a copy
+  const std::string text = WriteMusicText(s);
+  EXPECT_NE(text.find("<TB=0\\3|1>"), std::string::npos);
+  EXPECT_NE(text.find("<TB=0\\5|3>"), std::string::npos);
+  EXPECT_EQ(text.find("<TB=0\\4|"), std::string::npos);
+  EXPECT_EQ(text.find("<TB=0\\1|"), std::string::npos);
+  EXPECT_EQ(reload(s), s);
+}
+
+TEST(MusicFile, ReaderQuirks) {
+  struct Case {
+    const char* name;
+    std::function<void(Score&)> edit;
+    std::function<void(const Score&)> check;
+  };
+  const Case cases[] = {
+      {"a '>' cuts the title", [](Score& s) { s.Title = "AC>DC"; },
+       [](const Score& s) { EXPECT_EQ(s.Title, "AC"); }},
+      {"a blank title is not written and the new-score title stands",
+       [](Score& s) { s.Title = "   "; }, [](const Score& s) { EXPECT_EQ(s.Title, "Untitled"); }},
+      {"a text of blanks on a beat is not written", [](Score& s) { s.beatMut(0, 0, 0).Text = "   "; },
+       [](const Score& s) { EXPECT_EQ(s.beat(0, 0, 0).Text, ""); }},
+      {"a '<' in a field splits the tag; the rest is skipped",
+       [](Score& s) {
+         s.Notice = "a<b";
+         s.Title = "kept";
+       },
+       [](const Score& s) {
+         EXPECT_EQ(s.Notice, "a");
+         EXPECT_EQ(s.Title, "kept");
+       }},
+      {"notes above the string count are not written",
+       [](Score& s) {
+         s.trackMut(0).Tuning.NumStrings = 4;
+         testing::SetFrets(s, 0, 0, 0, {"1", "2", "3", "4", "5", "6", "7"});
+       },
+       [](const Score& s) {
+         EXPECT_EQ(s.note(0, 0, 0, 3).Fret, "4");
+         EXPECT_EQ(s.note(0, 0, 0, 4).Fret, "");
+         EXPECT_EQ(s.note(0, 0, 0, 6).Fret, "");
+       }},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    Score s;
+    c.edit(s);
+    c.check(reload(s));
+  }
+}
+
+TEST(MusicFile, FourStringTrackStillWritesSevenTuningsAndAllDrumTags) {
+  Score s;
+  s.trackMut(0).Tuning.NumStrings = 4;
+  const std::string text = WriteMusicText(s);
+  size_t drumTags = 0;
+  for (size_t p = text.find("<f.t.d"); p != std::string::npos; p = text.find("<f.t.d", p + 1)) ++drumTags;
+  EXPECT_EQ(drumTags, 84u);
+  EXPECT_NE(text.find("<f.t.tu6:0>"), std::string::npos);
+}
+
+TEST(MusicFile, UnknownTagsAndGarbageAreSkipped) {
+  Score s;
+  s.Title = "Song";
+  std::string text = WriteMusicText(s);
+  text.insert(text.find("<\xA6"), "<zzz:1|2><><<<l:><p9|9\\9/9:9|9><TB=7\\7|7>");
+  Score back;
+  ASSERT_EQ(ReadMusicText(text, back), ReadOutcome::Ok);
+  EXPECT_EQ(back.Title, "Song");
+  EXPECT_EQ(back.Tracks.size(), 1u);
+}
+
+TEST(MusicFile, VersionLineCheck) {
+  const std::string body = WriteMusicText(Score()).substr(kVersionLine.size());
+  for (const char* line : {"Plectaro 4.0", "Plectaro 4.1", "Plectaro 9.9"}) {
+    Score s;
+    EXPECT_EQ(ReadMusicText(line + body, s), ReadOutcome::Ok) << line;
+  }
+  for (const char* line : {"Plectaro 3.6x", "Plectar 4.0", "", "abc", "\x89PNG"}) {
+    Score s;
+    s.Title = "untouched";
+    EXPECT_EQ(ReadMusicText(line + body, s), ReadOutcome::WrongFile) << line;
+    EXPECT_EQ(s.Title, "untouched");
+  }
+}
+
+TEST(MusicFile, DeclaringMoreThanTheFileHoldsIsAnError) {
+  Score s;
+  std::string text = WriteMusicText(s);
+  text += "<\xB8" "30000><\x90" "30000>";
+  Score back;
+  EXPECT_THROW(ReadMusicText(text, back), FileError);
+}
+
+class MusicFileOnDisk : public ::testing::Test {
+ protected:
+  TempDir dir;
+  MemorySettingsStore settings;
+};
+
+TEST_F(MusicFileOnDisk, SavedFileIsAsLongAsItsPlainTextAndOpensAgain) {
+  Score s = testing::EveryTagScore();
+  const fs::path p = dir / "song.plm";
+  SaveMusicFile(s, p);
+  EXPECT_EQ(fs::file_size(p), WriteMusicText(s).size());
+
+  Document doc;
+  ASSERT_EQ(OpenMusicFile(doc, p, settings), OpenOutcome::Opened);
+  EXPECT_EQ(doc.score.CurrentFileName, p.string());
+  EXPECT_FALSE(doc.PasswordEntered);
+  s.CurrentFileName = p.string();
+  EXPECT_EQ(doc.score, s);
+}
+
+TEST_F(MusicFileOnDisk, FilesThatAreNotMusicFilesGiveANewScore) {
+  SaveMusicFile(Score(), dir / "good.plm");
+  const std::string good = ReadWholeFile(dir / "good.plm");
+  const std::pair<const char*, std::string> cases[] = {
+      {"renamed picture", std::string("\x89PNG\r\n\x1a\n\0\0\0\rIHDR", 16)},
+      {"empty", ""},
+      {"truncated inside the version line", good.substr(0, 5)},
+      {"old plain-text file", "Plectaro 3.6\r\n<title>\r\n"},
+  };
+  for (const auto& [name, bytes] : cases) {
+    SCOPED_TRACE(name);
+    writeBytes(dir / "x.plm", bytes);
+    Document doc;
+    doc.score.Title = "was open";
+    doc.score.CurrentFileName = "/somewhere/was.plm";
+    EXPECT_EQ(OpenMusicFile(doc, dir / "x.plm", settings), OpenOutcome::WrongFile);
+    EXPECT_EQ(doc.score.Title, "Untitled");
+    EXPECT_EQ(doc.score.CurrentFileName, "");
+  }
+}
+
+TEST_F(MusicFileOnDisk, TheDefaultsOfNewScoresFillWhatTheFileDoesNotSay) {
+  settings.SaveSetting(kDefaultInfoSection, "3", "Default Author");
+  SaveMusicFile(Score(), dir / "plain.plm");
+  Document doc;
+  ASSERT_EQ(OpenMusicFile(doc, dir / "plain.plm", settings), OpenOutcome::Opened);
+  EXPECT_EQ(doc.score.Author, "Default Author");
+}
+
+TEST_F(MusicFileOnDisk, FailuresLeaveDocumentAndFileAlone) {
+  Document doc;
+  doc.score.Title = "keep me";
+  EXPECT_THROW(OpenMusicFile(doc, dir / "missing.plm", settings), FileError);
+  EXPECT_EQ(doc.score.Title, "keep me");
+
+  // A save that cannot complete (the target is a folder) leaves what was there.
+  fs::create_directory(dir / "taken.plm");
+  writeBytes(dir / "taken.plm" / "inside", "x");
+  EXPECT_THROW(SaveMusicFile(doc.score, dir / "taken.plm"), FileError);
+  EXPECT_TRUE(fs::exists(dir / "taken.plm" / "inside"));
+  EXPECT_THROW(SaveMusicFile(doc.score, dir / "no-such-folder" / "a.plm"), FileError);
+  // No temporary files are left behind.
+  size_t entries = 0;
+  for ([[maybe_unused]] const auto& e : fs::directory_iterator(dir / "")) ++entries;
+  EXPECT_EQ(entries, 1u);
+}
+
+TEST(DemoSongs, LoadAndSaveGiveTheSameBytes) {
+  const fs::path folder = fs::path(PLECTARO_SOURCE_DIR) / "data" / "examples";
+  int seen = 0;
+  for (const auto& e : fs::directory_iterator(folder)) {
+    if (e.path().extension() != ".plm") continue;
+    ++seen;
+    SCOPED_TRACE(e.path().filename().string());
+    const std::string plain = CipherBytes(ReadWholeFile(e.path()));
+    Score s;
+    ASSERT_EQ(ReadMusicText(plain, s), ReadOutcome::Ok);
+    EXPECT_EQ(WriteMusicText(s), plain);
+  }
+  EXPECT_GE(seen, 3);
+}
+
+}  // namespace
+}  // namespace plectaro
