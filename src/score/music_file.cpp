@@ -81,7 +81,10 @@ class Out {
   }
   Out& operator<<(bool v) { return *this << FormatBool(v); }
   // A text field, turned into the file's code page.
-  Out& text(const std::string& v) { return *this << std::string_view(Utf8ToCp1252(v)); }
+  Out& text(const std::string& v) {
+    AppendUtf8AsCp1252(s_, v);
+    return *this;
+  }
   Out& real(double v) { return *this << std::string_view(FormatDouble(v)); }
 
  private:
@@ -341,6 +344,10 @@ class Fields {
   double real(char delim) { return ParseNumber(raw(delim)); }
   float real32(char delim) { return ParseFloat(raw(delim)); }
   std::string text(char delim) { return Cp1252ToUtf8(raw(delim)); }
+  void textInto(char delim, std::string& out) {
+    out.clear();
+    AppendCp1252AsUtf8(out, raw(delim));
+  }
 
  private:
   std::string_view p_;
@@ -529,7 +536,8 @@ class Reader {
   void tied(Fields& f) { noteAt(f, '>').Tied = true; }
   void note(Fields& f) {
     NoteSlot& n = noteAt(f, ':');
-    n.Fret = std::string(Trim(f.text('|')));
+    f.textInto('|', n.Fret);
+    if (!n.Fret.empty() && (n.Fret.front() == ' ' || n.Fret.back() == ' ')) n.Fret = std::string(Trim(n.Fret));
     n.Volume = f.i32('>');
   }
   void technique(Fields& f) {

@@ -37,7 +37,11 @@ char toByte(char32_t c) {
 
 std::string Cp1252ToUtf8(std::string_view bytes) {
   std::string out;
-  out.reserve(bytes.size());
+  AppendCp1252AsUtf8(out, bytes);
+  return out;
+}
+
+void AppendCp1252AsUtf8(std::string& out, std::string_view bytes) {
   for (char ch : bytes) {
     auto b = static_cast<uint8_t>(ch);
     if (b < 0x80) {
@@ -48,12 +52,15 @@ std::string Cp1252ToUtf8(std::string_view bytes) {
       appendUtf8(out, b);
     }
   }
-  return out;
 }
 
 std::string Utf8ToCp1252(std::string_view text) {
   std::string out;
-  out.reserve(text.size());
+  AppendUtf8AsCp1252(out, text);
+  return out;
+}
+
+void AppendUtf8AsCp1252(std::string& out, std::string_view text) {
   size_t i = 0;
   while (i < text.size()) {
     auto b = static_cast<uint8_t>(text[i]);
@@ -87,7 +94,6 @@ std::string Utf8ToCp1252(std::string_view text) {
     out += toByte(c);
     i += static_cast<size_t>(extra) + 1;
   }
-  return out;
 }
 
 }  // namespace plectaro

@@ -13,5 +13,8 @@ namespace plectaro {
 
 std::string Cp1252ToUtf8(std::string_view bytes);
 std::string Utf8ToCp1252(std::string_view text);
+// Appends without a temporary string; the writers of large files use these.
+void AppendUtf8AsCp1252(std::string& out, std::string_view text);
+void AppendCp1252AsUtf8(std::string& out, std::string_view bytes);
 
 }  // namespace plectaro
