@@ -1,0 +1,277 @@
+#include "rendering/draw_document.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+#include "rendering/bar_drawing.h"
+#include "score/bar_timing.h"
+
+namespace plectaro {
+
+namespace {
+
+// Where the page stack lies on the surface for one pass.
+struct Placement {
+  double offsetX = 0;       // left edge of every page
+  long long firstTop = 0;   // top of page 0
+  double pictureWidth = 0;
+  double pictureHeight = 0;
+  bool full = true;         // lay out from bar 0
+  bool sheets = true;       // draw the grey picture, page sheets and shadows
+  int onlyPage = -1;        // draw this page only (exports); -1 all visible pages
+};
+
+// The high limit of a full relayout: every row gets its position, seen or not, while the
+// 32-bit row position stays far from overflow.
+constexpr long long kFullLayoutLimit = 400000000;
+
+std::string pageFooter(const DrawTexts& texts, int page, int lastPage) {
+  return texts.Page + " " + std::to_string(page + 1) + " " + texts.Of + " " + std::to_string(lastPage + 1);
+}
+
+void drawSheet(Surface& s, const LayoutSettings& st, double x, double top, Color background) {
+  // The shadow falls right and below; the edge is drawn in the picture's own colour.
+  const Color shadow{64, 64, 64, 255};
+  s.fillRect({x + 5, top + 5, static_cast<double>(st.PageWidth), static_cast<double>(st.PageHeight)}, shadow);
+  s.fillRect({x, top, static_cast<double>(st.PageWidth), static_cast<double>(st.PageHeight)}, kWhite);
+  s.drawRect({x, top, static_cast<double>(st.PageWidth), static_cast<double>(st.PageHeight)}, background);
+}
+
+// The page loop: lays out rows page by page from bar 0, writing DrawX, DrawY, DrawWidth,
+// BeatSpacing and LayoutOrdinal, and draws what falls inside the picture.
+void runPages(Document& doc, int track, const LayoutSettings& st, const DrawTexts& texts,
+              const Placement& pl, RowLayout& rows, int lastPage, Surface& surface, bool cursor) {
+  std::vector<BarLayout>& lay = rows.bars();
+  DrawContext ctx{doc.score, track, st, lay, surface};
+  if (cursor && doc.CursorTrack == track) {
+    ctx.cursorBar = doc.CursorBar;
+    ctx.cursorBeat = doc.CursorBeat;
+    ctx.cursorString = doc.CursorString;
+  }
+  const int16_t perPage = rows.RowsPerPage();
+  const long long rowStep = static_cast<long long>(rows.rowHeight()) + rows.rowSpacing();
+  const long long limit = pl.full ? kFullLayoutLimit : static_cast<long long>(pl.pictureHeight);
+  const double bottom = pl.pictureHeight;
+  int bar = 0;
+  int ordinal = 0;
+  for (int page = 0; bar <= rows.lastBar(); ++page) {
+    const long long pageTop = pl.firstTop + static_cast<long long>(page) * (st.PageHeight + 35);
+    if (pageTop > limit) break;
+    const bool drawThisPage = pl.onlyPage < 0 || pl.onlyPage == page;
+    if (drawThisPage && pageTop < bottom && pageTop > -(st.PageHeight + 20.0)) {
+      Rect sheet{pl.offsetX, static_cast<double>(pageTop), static_cast<double>(st.PageWidth),
+                 static_cast<double>(st.PageHeight)};
+      DrawPageTitle(ctx, sheet, page, pageFooter(texts, page, lastPage), texts.Capo);
+    }
+    long long y = pageTop + st.PageTopMargin;
+    for (int r = 0; r < perPage && bar <= rows.lastBar(); ++r) {
+      const RowChoice row = rows.ChooseRow(bar);
+      if (y > std::numeric_limits<int32_t>::max() || y < std::numeric_limits<int32_t>::min())
+        throw LayoutError("Page layout overflow: the document is too long to lay out");
+      const double rowX = st.PageLeftMargin + pl.offsetX;
+      const bool visible = drawThisPage && y < bottom && y >= -rows.rowHeight();
+      double runX = 0;
+      std::vector<int16_t> widths;
+      for (int b = row.first; b <= row.last; ++b) {
+        const int16_t w = rows.BarDrawWidth(b, row.spacing);
+        BarLayout& l = lay[static_cast<size_t>(b)];
+        l.DrawWidth = w;
+        l.DrawX = CheckedI16(static_cast<long long>(std::lround(rowX + runX)));
+        l.DrawY = static_cast<int32_t>(y);
+        l.LayoutOrdinal = CheckedI16(ordinal++);
+        l.RowFirstBar = CheckedI16(row.first);
+        l.RowLastBar = CheckedI16(row.last);
+        l.BeatSpacing = rows.BeatSpacingFor(b, w);
+        runX += w;
+      }
+      if (visible) {
+        DrawRowStaves(ctx, rowX, static_cast<double>(y), runX);
+        double x = rowX;
+        for (int b = row.first; b <= row.last; ++b) {
+          const double w = lay[static_cast<size_t>(b)].DrawWidth;
+          DrawBar(ctx, x, static_cast<double>(y), b, w);
+          x += w;
+        }
+      }
+      bar = row.last + 1;
+      y += rowStep;
+    }
+  }
+}
+
+// Scrolling without an edit: the stored positions are current, so only what is in sight is
+// drawn again, with no row arithmetic at all.
+void redrawStored(Document& doc, int track, const LayoutSettings& st, const DrawTexts& texts,
+                  const Placement& pl, RowLayout& rows, int lastPage, Surface& surface, bool cursor) {
+  std::vector<BarLayout>& lay = rows.bars();
+  DrawContext ctx{doc.score, track, st, lay, surface};
+  if (cursor && doc.CursorTrack == track) {
+    ctx.cursorBar = doc.CursorBar;
+    ctx.cursorBeat = doc.CursorBeat;
+    ctx.cursorString = doc.CursorString;
+  }
+  for (int page = 0; page <= lastPage; ++page) {
+    const long long top = pl.firstTop + static_cast<long long>(page) * (st.PageHeight + 35);
+    if (top < pl.pictureHeight && top > -(st.PageHeight + 20.0))
+      DrawPageTitle(ctx, {pl.offsetX, static_cast<double>(top), static_cast<double>(st.PageWidth),
+                          static_cast<double>(st.PageHeight)},
+                    page, pageFooter(texts, page, lastPage), texts.Capo);
+  }
+  const double rh = rows.rowHeight();
+  for (int b = 0; b <= rows.lastBar(); ++b) {
+    const BarLayout& l = lay[static_cast<size_t>(b)];
+    if (l.DrawY >= pl.pictureHeight || l.DrawY <= -(rh + 40)) continue;
+    if (l.RowFirstBar == b) {
+      double width = 0;
+      for (int k = b; k <= l.RowLastBar && k <= rows.lastBar(); ++k) width += lay[static_cast<size_t>(k)].DrawWidth;
+      DrawRowStaves(ctx, l.DrawX, l.DrawY, width);
+    }
+    DrawBar(ctx, l.DrawX, l.DrawY, b, l.DrawWidth);
+  }
+}
+
+int cursorPageOf(RowLayout& rows, int lastPage, int cursorBar) {
+  int p = 0;
+  while (p <= lastPage && rows.FirstBarOfPage(p + 1) <= cursorBar) ++p;
+  return p;
+}
+
+DrawResult runPass(Document& doc, int track, const LayoutSettings& settingsIn, const DrawTexts& texts,
+                   Placement pl, Surface* surface, bool cursor, const ViewState* view) {
+  DrawResult result;
+  LayoutSettings st = settingsIn;
+  try {
+    if (track < 0 || track > doc.score.LastTrack())
+      throw LayoutError("There is no track " + std::to_string(track + 1) + " to draw");
+    if (view && st.AutoPageStretch) ApplyAutoStretch(st, view->PictureWidth, view->PictureHeight);
+    if (st.PageWidth <= 0 || st.PageHeight <= 0) throw LayoutError(texts.PageHoldsNoRow);
+    result.UsedSettings = st;
+    RowLayout rows(doc, track, st);
+    const bool stored = !pl.full;
+    result.LastPage = rows.NumberOfPages(texts.PageHoldsNoRow);
+    result.CursorPage = cursorPageOf(rows, result.LastPage, doc.CursorBar);
+    if (view) {
+      result.Scroll = ComputeScrollRanges(st, result.LastPage, view->PictureWidth, view->PictureHeight);
+      pl.offsetX = PageOffsetX(st, view->PictureWidth, view->HScroll);
+    }
+    result.Status = MakeStatusLine(doc, result.LastPage, texts);
+    if (pl.onlyPage > result.LastPage) {
+      throw LayoutError("Page " + std::to_string(pl.onlyPage + 1) + " does not exist: the track has " +
+                        std::to_string(result.LastPage + 1) + " page(s)");
+    }
+    if (surface) {
+      if (pl.sheets) {
+        Color bg = view ? view->Background : Color{128, 128, 128, 255};
+        surface->fillRect({0, 0, pl.pictureWidth, pl.pictureHeight}, bg);
+        for (int p = 0; p <= result.LastPage; ++p) {
+          const long long top = pl.firstTop + static_cast<long long>(p) * (st.PageHeight + 35);
+          if (top >= pl.pictureHeight) break;
+          if (top + st.PageHeight + 5 >= 0) drawSheet(*surface, st, pl.offsetX, static_cast<double>(top), bg);
+        }
+      } else {
+        surface->fillRect({0, 0, pl.pictureWidth, pl.pictureHeight}, kWhite);
+      }
+    }
+    if (stored && surface) {
+      redrawStored(doc, track, st, texts, pl, rows, result.LastPage, *surface, cursor);
+    } else {
+      struct NullSurface : Surface {
+        void drawLine(Point, Point, Color, double) override {}
+        void drawRect(Rect, Color, double) override {}
+        void fillRect(Rect, Color) override {}
+        void drawEllipse(Rect, Color, double) override {}
+        void fillEllipse(Rect, Color) override {}
+        void drawPolyline(std::span<const Point>, Color, double) override {}
+        void fillPolygon(std::span<const Point>, Color) override {}
+        void strokePath(const Path&, Color, double) override {}
+        void fillPath(const Path&, Color) override {}
+        void drawText(Point, std::string_view, const Font&, Color) override {}
+        TextMetrics measureText(std::string_view, const Font&) override { return {}; }
+        void drawImage(Rect, const Image&) override {}
+        void setClip(Rect) override {}
+        void clearClip() override {}
+      } none;
+      Placement layoutOnly = pl;
+      if (!surface) layoutOnly.pictureHeight = -1e9;  // nothing is in sight
+      runPages(doc, track, st, texts, layoutOnly, rows, result.LastPage, surface ? *surface : none, cursor);
+    }
+  } catch (const LayoutError& e) {
+    result.Ok = false;
+    result.Error = e.what();
+  } catch (const ScoreError& e) {
+    result.Ok = false;
+    result.Error = e.what();
+  }
+  return result;
+}
+
+}  // namespace
+
+StatusLine MakeStatusLine(const Document& doc, int lastPage, const DrawTexts& texts) {
+  StatusLine s;
+  s.Pages = texts.PagesLabel + " " + std::to_string(lastPage + 1);
+  const Score& sc = doc.score;
+  const int t = doc.CursorTrack;
+  const int b = doc.CursorBar;
+  if (t < 0 || t > sc.LastTrack() || b < 0 || b > sc.GetLastBar(t)) return s;
+  try {
+    const double actual = GetBeatsLength(sc, t, b);
+    const double expected = GetBarLength(sc, t, b);
+    s.BeatCount = " " + Format64ths(actual) + " 64ths -- " + Format64ths(expected) + " 64ths";
+    s.FillState = CheckBar(sc, t, b);
+  } catch (const ScoreError&) {
+    // A bar that cannot be measured (a zero denominator, an unknown length) shows no count.
+    s.BeatCount = " ? 64ths -- ? 64ths";
+    s.FillState = 0;
+  }
+  const std::string& word = s.FillState == 0 ? texts.FillUnder : s.FillState == 1 ? texts.FillFull : texts.FillOver;
+  s.Fill = "  " + word;
+  return s;
+}
+
+DrawResult DrawDocument(Document& doc, const LayoutSettings& settings, const ViewState& view,
+                        const DrawTexts& texts, Surface& surface) {
+  Placement pl;
+  pl.pictureWidth = view.PictureWidth;
+  pl.pictureHeight = view.PictureHeight;
+  pl.firstTop = 35 - 8LL * view.VScroll;
+  // The page at the top is always drawn complete: a scroll of 0 lays out afresh.
+  const bool stored = doc.Layout.size() > static_cast<size_t>(doc.CursorTrack) &&
+                      doc.Layout[static_cast<size_t>(doc.CursorTrack)].size() ==
+                          (doc.CursorTrack >= 0 && doc.CursorTrack <= doc.score.LastTrack()
+                               ? doc.score.Tracks[static_cast<size_t>(doc.CursorTrack)].Bars.size()
+                               : 0);
+  pl.full = doc.FullRelayout || view.Playing || view.ForceFullLayout || (view.VScroll == 0 && !view.StartingUp) ||
+            !stored;
+  DrawResult r = runPass(doc, doc.CursorTrack, settings, texts, pl, &surface, view.DrawCursor, &view);
+  if (!view.Printing) doc.FullRelayout = false;
+  return r;
+}
+
+DrawResult RenderPage(Document& doc, int track, int page, const LayoutSettings& settings,
+                      const DrawTexts& texts, Surface& surface) {
+  Placement pl;
+  pl.pictureWidth = settings.PageWidth;
+  pl.pictureHeight = settings.PageHeight;
+  pl.offsetX = 0;
+  pl.firstTop = -static_cast<long long>(page) * (settings.PageHeight + 35);
+  pl.sheets = false;
+  pl.onlyPage = page;
+  if (page < 0) {
+    DrawResult r;
+    r.Ok = false;
+    r.Error = "Page numbers start at 1";
+    return r;
+  }
+  return runPass(doc, track, settings, texts, pl, &surface, false, nullptr);
+}
+
+DrawResult LayoutTrack(Document& doc, int track, const LayoutSettings& settings, const DrawTexts& texts) {
+  Placement pl;
+  pl.firstTop = 35;
+  pl.offsetX = 40;
+  return runPass(doc, track, settings, texts, pl, nullptr, false, nullptr);
+}
+
+}  // namespace plectaro

@@ -1,0 +1,187 @@
+#include "rendering/qt/qt_surface.h"
+
+#include <QBuffer>
+#include <QFontMetricsF>
+#include <QImage>
+#include <QPainterPath>
+#include <QSvgGenerator>
+
+#include <cmath>
+
+#include "rendering/draw_document.h"
+#include "score/file_io.h"
+
+namespace plectaro {
+
+namespace {
+
+QColor qcolor(Color c) { return QColor(c.r, c.g, c.b, c.a); }
+QPointF qpoint(Point p) { return QPointF(p.x, p.y); }
+QRectF qrect(Rect r) { return QRectF(r.x, r.y, r.w, r.h); }
+QString qstring(std::string_view s) { return QString::fromUtf8(s.data(), static_cast<qsizetype>(s.size())); }
+
+QPainterPath qpath(const Path& path) {
+  QPainterPath p;
+  for (const Path::Element& e : path.elements) {
+    switch (e.op) {
+      case Path::Op::Move: p.moveTo(qpoint(e.p[0])); break;
+      case Path::Op::Line: p.lineTo(qpoint(e.p[0])); break;
+      case Path::Op::Cubic: p.cubicTo(qpoint(e.p[0]), qpoint(e.p[1]), qpoint(e.p[2])); break;
+      case Path::Op::Close: p.closeSubpath(); break;
+    }
+  }
+  return p;
+}
+
+}  // namespace
+
+QtSurface::QtSurface(QPainter& painter, double scale) : painter_(painter), scale_(scale) {
+  painter_.save();
+  painter_.scale(scale_, scale_);
+  painter_.setRenderHint(QPainter::Antialiasing, true);
+  painter_.setRenderHint(QPainter::TextAntialiasing, true);
+}
+
+QtSurface::~QtSurface() { painter_.restore(); }
+
+QFont QtSurface::qfont(const Font& font) {
+  const QString key = qstring(font.family) + QLatin1Char('|') + QString::number(font.size) +
+                      QLatin1Char('|') + QString::number(font.bold) + QString::number(font.italic) +
+                      QString::number(font.underline) + QString::number(font.strikeout);
+  auto it = fonts_.find(key);
+  if (it != fonts_.end()) return *it;
+  QFont f(qstring(MapFontFamily(font.family)));
+  // Sizes are points of a 96.1644-unit inch; the painter works in page units.
+  f.setPixelSize(std::max(1, static_cast<int>(std::lround(font.size * kUnitsPerPoint))));
+  f.setBold(font.bold);
+  f.setItalic(font.italic);
+  f.setUnderline(font.underline);
+  f.setStrikeOut(font.strikeout);
+  f.setHintingPreference(QFont::PreferNoHinting);
+  fonts_.insert(key, f);
+  return f;
+}
+
+void QtSurface::drawLine(Point a, Point b, Color c, double width) {
+  painter_.setPen(QPen(qcolor(c), width, Qt::SolidLine, Qt::FlatCap));
+  painter_.drawLine(qpoint(a), qpoint(b));
+}
+
+void QtSurface::drawRect(Rect r, Color c, double width) {
+  painter_.setPen(QPen(qcolor(c), width));
+  painter_.setBrush(Qt::NoBrush);
+  painter_.drawRect(qrect(r));
+}
+
+void QtSurface::fillRect(Rect r, Color c) { painter_.fillRect(qrect(r), qcolor(c)); }
+
+void QtSurface::drawEllipse(Rect r, Color c, double width) {
+  painter_.setPen(QPen(qcolor(c), width));
+  painter_.setBrush(Qt::NoBrush);
+  painter_.drawEllipse(qrect(r));
+}
+
+void QtSurface::fillEllipse(Rect r, Color c) {
+  painter_.setPen(Qt::NoPen);
+  painter_.setBrush(qcolor(c));
+  painter_.drawEllipse(qrect(r));
+}
+
+void QtSurface::drawPolyline(std::span<const Point> points, Color c, double width) {
+  QPolygonF poly;
+  poly.reserve(static_cast<qsizetype>(points.size()));
+  for (const Point& p : points) poly << qpoint(p);
+  painter_.setPen(QPen(qcolor(c), width, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+  painter_.drawPolyline(poly);
+}
+
+void QtSurface::fillPolygon(std::span<const Point> points, Color c) {
+  QPolygonF poly;
+  for (const Point& p : points) poly << qpoint(p);
+  painter_.setPen(Qt::NoPen);
+  painter_.setBrush(qcolor(c));
+  painter_.drawPolygon(poly);
+}
+
+void QtSurface::strokePath(const Path& path, Color c, double width) {
+  painter_.setPen(QPen(qcolor(c), width, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+  painter_.setBrush(Qt::NoBrush);
+  painter_.drawPath(qpath(path));
+}
+
+void QtSurface::fillPath(const Path& path, Color c) { painter_.fillPath(qpath(path), qcolor(c)); }
+
+void QtSurface::drawText(Point topLeft, std::string_view utf8, const Font& font, Color c) {
+  const QFont f = qfont(font);
+  painter_.setFont(f);
+  painter_.setPen(qcolor(c));
+  const QFontMetricsF m(f);
+  painter_.drawText(QPointF(topLeft.x, topLeft.y + m.ascent()), qstring(utf8));
+}
+
+TextMetrics QtSurface::measureText(std::string_view utf8, const Font& font) {
+  const QFontMetricsF m(qfont(font));
+  return TextMetrics{m.horizontalAdvance(qstring(utf8)), m.ascent(), m.descent()};
+}
+
+void QtSurface::drawImage(Rect target, const Image& image) {
+  if (image.width <= 0 || image.height <= 0 ||
+      image.argb.size() < static_cast<size_t>(image.width) * static_cast<size_t>(image.height))
+    return;
+  const QImage img(reinterpret_cast<const uchar*>(image.argb.data()), image.width, image.height,
+                   image.width * 4, QImage::Format_ARGB32);
+  painter_.drawImage(qrect(target), img);
+}
+
+void QtSurface::setClip(Rect r) { painter_.setClipRect(qrect(r)); }
+void QtSurface::clearClip() { painter_.setClipping(false); }
+
+DrawResult SavePageImage(Document& doc, int track, int page, const LayoutSettings& settings,
+                         const DrawTexts& texts, PageImageKind kind, double dpi,
+                         const std::filesystem::path& path) {
+  QByteArray bytes;
+  DrawResult result;
+  if (kind == PageImageKind::Svg) {
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    QSvgGenerator svg;
+    svg.setOutputDevice(&buffer);
+    svg.setSize(QSize(settings.PageWidth, settings.PageHeight));
+    svg.setViewBox(QRect(0, 0, settings.PageWidth, settings.PageHeight));
+    svg.setResolution(96);
+    svg.setTitle(QString::fromUtf8(doc.score.Title.c_str()));
+    QPainter painter;
+    if (!painter.begin(&svg)) throw FileError("Cannot start the SVG drawing for " + path.string());
+    {
+      QtSurface surface(painter, 1.0);
+      result = RenderPage(doc, track, page, settings, texts, surface);
+    }
+    painter.end();
+  } else {
+    if (!(dpi >= 10 && dpi <= 1200)) throw FileError("The resolution must be between 10 and 1200 dpi");
+    const double scale = dpi / 96.1644;
+    const int w = static_cast<int>(std::ceil(settings.PageWidth * scale));
+    const int h = static_cast<int>(std::ceil(settings.PageHeight * scale));
+    if (w <= 0 || h <= 0 || static_cast<long long>(w) * h > 200'000'000LL)
+      throw FileError("The page is too large to export as a picture at this resolution");
+    QImage image(w, h, QImage::Format_RGB32);
+    image.setDotsPerMeterX(static_cast<int>(std::lround(dpi / 0.0254)));
+    image.setDotsPerMeterY(static_cast<int>(std::lround(dpi / 0.0254)));
+    image.fill(Qt::white);
+    {
+      QPainter painter(&image);
+      QtSurface surface(painter, scale);
+      result = RenderPage(doc, track, page, settings, texts, surface);
+    }
+    if (result.Ok) {
+      QBuffer buffer(&bytes);
+      buffer.open(QIODevice::WriteOnly);
+      if (!image.save(&buffer, kind == PageImageKind::Png ? "PNG" : "BMP"))
+        throw FileError("Cannot encode the page picture for " + path.string());
+    }
+  }
+  if (result.Ok) WriteFileAtomically(path, std::string(bytes.constData(), static_cast<size_t>(bytes.size())));
+  return result;
+}
+
+}  // namespace plectaro
