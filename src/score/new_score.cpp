@@ -11,22 +11,15 @@ struct DefaultReader {
   std::string text(const char* key, const char* fallback) const {
     return s.GetSetting(kDefaultInfoSection, key, fallback);
   }
-  bool flag(const char* key, bool fallback) const {
+  template <class T>
+  T parsed(const char* key, T fallback, T (*parse)(std::string_view)) const {
     auto v = s.value(kDefaultInfoSection, key);
-    return v ? ParseBool(*v) : fallback;
+    return v ? parse(*v) : fallback;
   }
-  int32_t i32(const char* key, int32_t fallback) const {
-    auto v = s.value(kDefaultInfoSection, key);
-    return v ? ParseI32(*v) : fallback;
-  }
-  int16_t i16(const char* key, int16_t fallback) const {
-    auto v = s.value(kDefaultInfoSection, key);
-    return v ? ParseI16(*v) : fallback;
-  }
-  float real(const char* key, float fallback) const {
-    auto v = s.value(kDefaultInfoSection, key);
-    return v ? ParseFloat(*v) : fallback;
-  }
+  bool flag(const char* key, bool fallback) const { return parsed(key, fallback, ParseBool); }
+  int32_t i32(const char* key, int32_t fallback) const { return parsed(key, fallback, ParseI32); }
+  int16_t i16(const char* key, int16_t fallback) const { return parsed(key, fallback, ParseI16); }
+  float real(const char* key, float fallback) const { return parsed(key, fallback, ParseFloat); }
   // The seven keys of one font: prefix "GFONT" or "GNOTE".
   FontInfo font(const std::string& p, const char* name, int16_t size) const {
     FontInfo f;
