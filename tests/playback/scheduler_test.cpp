@@ -1,0 +1,407 @@
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <string>
+#include <tuple>
+#include <vector>
+
+#include "playback/offline_play.h"
+#include "playback/scheduler.h"
+#include "playback/virtual_clock.h"
+#include "song_builder.h"
+
+namespace plectaro {
+namespace {
+
+using test::AddBeat;
+using test::EveryNoteEnds;
+using test::FourQuarters;
+using test::MakeSong;
+using test::NoteOn;
+using test::NoteOns;
+
+std::vector<std::string> Lines(const std::vector<MidiMessage>& msgs) {
+  std::vector<std::string> lines;
+  for (const MidiMessage& m : msgs) lines.push_back(FormatTraceLine(m));
+  return lines;
+}
+
+std::vector<MidiMessage> Trace(const Score& s, PlaybackOptions options = {}, int from = 0, int to = 32767) {
+  return TraceSong(s, from, to, options);
+}
+
+std::vector<double> TimesOf(const std::vector<NoteOn>& ons, int channel) {
+  std::vector<double> t;
+  for (const NoteOn& n : ons)
+    if (n.channel == channel) t.push_back(n.ms);
+  return t;
+}
+
+std::vector<int> KeysOf(const std::vector<NoteOn>& ons) {
+  std::vector<int> k;
+  for (const NoteOn& n : ons) k.push_back(n.note);
+  return k;
+}
+
+// Step n of a song at tempo 120 sounds at 31 ms x (n + 1): the first step comes one interval
+// after the start.
+double Step120(int n) { return 31.0 * (n + 1); }
+
+TEST(Scheduler, SingleNoteFullStream) {
+  Score s = MakeSong(1, 1);
+  s.Tracks[0].Capo = 2;  // the capo is shown, not played: fret 0 is the open string
+  AddBeat(s, 0, 0, kWhole, {{0, "0"}});
+  const std::vector<std::string> lines = Lines(Trace(s));
+
+  std::vector<std::string> expected;
+  for (int ch = 0; ch < 16; ++ch) {
+    char line[32];
+    std::snprintf(line, sizeof line, "0.000 B%X 120 0", ch);
+    expected.push_back(line);
+    std::snprintf(line, sizeof line, "0.000 B%X 123 0", ch);
+    expected.push_back(line);
+  }
+  for (const char* l : {"31.000 B0 120 0", "31.000 B0 123 0", "31.000 B1 120 0", "31.000 B1 123 0",
+                        "31.000 B0 0 0", "31.000 C0 24 0", "31.000 B1 0 0", "31.000 C1 24 0",
+                        "31.000 90 64 100",
+                        // a whole note is 64 steps; the first step behind the end stops
+                        "2015.000 B0 120 0", "2015.000 B0 123 0", "2015.000 B1 120 0", "2015.000 B1 123 0"})
+    expected.push_back(l);
+  ASSERT_GE(lines.size(), expected.size() + 64);
+  EXPECT_EQ(std::vector<std::string>(lines.begin(), lines.begin() + static_cast<long>(expected.size())), expected);
+  // The stop silences every channel: twice the full sweep, nothing else.
+  EXPECT_EQ(lines.size(), expected.size() + 64);
+  EXPECT_EQ(lines.back(), "2015.000 BF 123 0");
+}
+
+TEST(Scheduler, StepTimingByTempoLengthAndTuplets) {
+  struct Case {
+    const char* name;
+    float tempo;
+    std::vector<int> lengths;  // quarter = kQuarter ...
+    bool triplets;
+    std::string tempoMark;     // on the first beat
+    std::vector<double> times;
+  };
+  const Case cases[] = {
+      {"quarters at 120", 120, {kQuarter, kQuarter, kQuarter, kQuarter}, false, "",
+       {Step120(0), Step120(16), Step120(32), Step120(48)}},
+      {"quarters at 60 (62.5 rounds to 62)", 60, {kQuarter, kQuarter}, false, "", {62, 62 + 16 * 62}},
+      {"sixty-fourths start a beat at every step", 120, {6, 6, 6, 6}, false, "",
+       {Step120(0), Step120(1), Step120(2), Step120(3)}},
+      {"triplet eighths take 6 steps each", 120, {kEighth, kEighth, kEighth}, true, "",
+       {Step120(0), Step120(6), Step120(12)}},
+      {"a tempo mark changes only the one step after it", 60, {kQuarter, kQuarter}, false, "t=240",
+       {62, 62 + 16 + 15 * 62}},
+      {"a tempo mark with no digits changes nothing", 60, {kQuarter, kQuarter}, false, "t=",
+       {62, 62 + 16 * 62}},
+  };
+  for (const Case& c : cases) {
+    Score s = MakeSong(1, 1, c.tempo);
+    for (int len : c.lengths) {
+      Beat& b = AddBeat(s, 0, 0, len, {{0, "0"}});
+      b.IsTuplet = c.triplets;
+    }
+    s.barMut(0, 0).Beats[0].Text = c.tempoMark;
+    const auto msgs = Trace(s);
+    EXPECT_EQ(TimesOf(NoteOns(msgs), 0), c.times) << c.name;
+    EXPECT_TRUE(EveryNoteEnds(msgs)) << c.name;
+  }
+}
+
+TEST(Scheduler, ChordSoundsAtOnceAndTheNextBeatEndsIt) {
+  Score s = MakeSong(1, 1);
+  AddBeat(s, 0, 0, kHalf, {{3, "2"}, {4, "3"}, {5, "0"}});
+  AddBeat(s, 0, 0, kHalf, {{0, "0"}});
+  const auto msgs = Trace(s);
+  const auto ons = NoteOns(msgs);
+  EXPECT_EQ(ons, (std::vector<NoteOn>{{31, 0, 40, 100}, {31, 0, 48, 100}, {31, 0, 52, 100}, {Step120(32), 0, 64, 100}}));
+  // Between the chord and the next beat, channel 0 is cleared at the next beat's step.
+  bool clearedAt32 = false;
+  for (const MidiMessage& m : msgs)
+    if (m.TimeMs == Step120(32) && m.Status == 0xB0 && m.Data1 == 123) clearedAt32 = true;
+  EXPECT_TRUE(clearedAt32);
+  EXPECT_TRUE(EveryNoteEnds(msgs));
+}
+
+TEST(Scheduler, TracksPlaySideBySideOnTheirChannels) {
+  Score s = MakeSong(2, 2);
+  s.Tracks[1].Instrument = 33;
+  for (int b = 0; b < 2; ++b) {
+    FourQuarters(s, 0, b, 0, "0");
+    AddBeat(s, 1, b, kHalf, {{5, "0"}});
+    AddBeat(s, 1, b, kHalf, {{5, "5"}});
+  }
+  const auto msgs = Trace(s);
+  const auto ons = NoteOns(msgs);
+  EXPECT_EQ(TimesOf(ons, 0), (std::vector<double>{Step120(0), Step120(16), Step120(32), Step120(48), Step120(64),
+                                                  Step120(80), Step120(96), Step120(112)}));
+  // The second bar starts on the same step in both tracks.
+  EXPECT_EQ(TimesOf(ons, 2), (std::vector<double>{Step120(0), Step120(32), Step120(64), Step120(96)}));
+  bool bassProgram = false;
+  for (const MidiMessage& m : msgs)
+    if (m.Status == 0xC2) bassProgram = bassProgram || m.Data1 == 33;
+  EXPECT_TRUE(bassProgram);
+  EXPECT_TRUE(EveryNoteEnds(msgs));
+}
+
+TEST(Scheduler, RepeatsAndJumpsSetTheBarOrder) {
+  struct Case {
+    const char* name;
+    std::vector<BarInfo> bars;
+    std::vector<int> order;  // bar numbers heard; bar b plays key 60 + b
+  };
+  BarInfo plain;
+  BarInfo close1 = plain, close2 = plain, open = plain, sign = plain, toCoda = plain, ds = plain, coda = plain;
+  close1.RepeatClose = 1;
+  close2.RepeatClose = 2;
+  open.RepeatOpen = true;
+  sign.Sign = true;
+  toCoda.ToCoda = true;
+  ds.DSAlCoda = true;
+  coda.Coda = true;
+  BarInfo openClose = open;
+  openClose.RepeatClose = 1;
+  const Case cases[] = {
+      {"no marks", {plain, plain, plain}, {0, 1, 2}},
+      {"repeat close 1 plays the section twice", {plain, close1, plain}, {0, 1, 0, 1, 2}},
+      {"repeat close 2 plays it three times", {plain, close2, plain}, {0, 1, 0, 1, 0, 1, 2}},
+      {"repeat from the open mark", {plain, open, close1, plain}, {0, 1, 2, 1, 2, 3}},
+      {"one-bar repeat", {plain, openClose, plain}, {0, 1, 1, 2}},
+      {"D.S. al coda", {plain, sign, toCoda, ds, coda}, {0, 1, 2, 3, 1, 2, 4}},
+      {"D.S. without a segno goes to the first bar", {plain, plain, toCoda, ds, coda}, {0, 1, 2, 3, 0, 1, 2, 4}},
+      {"to coda before the D.S. is ignored", {plain, toCoda, plain, coda}, {0, 1, 2, 3}},
+      {"repeats are served again after the D.S.", {sign, close1, ds, plain}, {0, 1, 0, 1, 2, 0, 1, 0, 1, 2, 3}},
+  };
+  for (const Case& c : cases) {
+    const int n = static_cast<int>(c.bars.size());
+    Score s = MakeSong(1, n);
+    for (int b = 0; b < n; ++b) {
+      s.BarInfos[static_cast<size_t>(b)] = c.bars[static_cast<size_t>(b)];
+      AddBeat(s, 0, b, kWhole, {{0, std::to_string(b).c_str()}});
+    }
+    const auto msgs = Trace(s);
+    std::vector<int> heard;
+    for (int key : KeysOf(NoteOns(msgs))) heard.push_back(key - 64);
+    EXPECT_EQ(heard, c.order) << c.name;
+    EXPECT_TRUE(EveryNoteEnds(msgs)) << c.name;
+  }
+}
+
+TEST(Scheduler, PlayingARangeOfBars) {
+  Score s = MakeSong(1, 4);
+  for (int b = 0; b < 4; ++b) AddBeat(s, 0, b, kWhole, {{0, std::to_string(b).c_str()}});
+  const std::pair<std::pair<int, int>, std::vector<int>> cases[] = {
+      {{1, 1}, {65}},          // play bar: that bar once
+      {{2, 3}, {66, 67}},      // play from here
+      {{3, 99}, {67}},         // an end past the score stops at its end
+      {{-4, 0}, {64}},
+  };
+  for (const auto& [range, keys] : cases) {
+    const auto msgs = Trace(s, {}, range.first, range.second);
+    EXPECT_EQ(KeysOf(NoteOns(msgs)), keys) << range.first << ".." << range.second;
+  }
+}
+
+TEST(Scheduler, CountInAndMetronomeClicks) {
+  struct Case {
+    const char* name;
+    bool countIn, metronome;
+    int numerator;
+    std::vector<double> clicks;  // the first few
+    double firstNote;
+  };
+  const Case cases[] = {
+      // 4/4 at tempo 120: a click every 31 x 16 = 496 ms; four clicks, then the music on the
+      // fifth firing without a click.
+      {"count-in in 4/4", true, false, 4, {496, 992, 1488, 1984}, 2480},
+      // 3/4: clicks of 4/3 of a quarter, three of them.
+      {"count-in in 3/4", true, false, 3, {661, 1322, 1983}, 2644},
+      {"metronome only: music starts on the first click", false, true, 4, {496, 992, 1488, 1984}, 496},
+      {"count-in and metronome", true, true, 4, {496, 992, 1488, 1984, 2480, 2976}, 2480},
+  };
+  for (const Case& c : cases) {
+    Score s = MakeSong(1, 2);
+    s.Tracks[0].Channel = 2;
+    s.Tracks[0].EffectChannel = 3;
+    for (int b = 0; b < 2; ++b) {
+      s.SetTimeSignature(b, c.numerator, 4);
+      for (int i = 0; i < c.numerator; ++i) AddBeat(s, 0, b, kQuarter, {{0, "0"}});
+    }
+    PlaybackOptions opt;
+    opt.CountIn = c.countIn;
+    opt.Metronome = c.metronome;
+    const auto msgs = Trace(s, opt);
+    const auto ons = NoteOns(msgs);
+    std::vector<double> clicks = TimesOf(ons, 0);
+    for (const NoteOn& n : ons) {
+      if (n.channel == 0) {
+        EXPECT_EQ(n.note, 90) << c.name;
+      }
+    }
+    clicks.resize(std::min(clicks.size(), c.clicks.size()));
+    EXPECT_EQ(clicks, c.clicks) << c.name;
+    ASSERT_FALSE(TimesOf(ons, 2).empty()) << c.name;
+    EXPECT_EQ(TimesOf(ons, 2).front(), c.firstNote) << c.name;
+    if (!c.metronome) {
+      EXPECT_EQ(TimesOf(ons, 0).size(), c.clicks.size()) << c.name;
+    }
+    EXPECT_TRUE(EveryNoteEnds(msgs)) << c.name;
+  }
+}
+
+TEST(Scheduler, DrumTrackPlaysOnChannel9) {
+  Score s = MakeSong(2, 1);
+  Track& dr = s.Tracks[1];
+  dr.DrumTrack = true;
+  dr.Channel = 9;
+  dr.DrumMaps[0].Drum[0] = 2;  // X: bass drum 1
+  dr.DrumMaps[1].Drum[2] = 4;  // x: acoustic snare
+  FourQuarters(s, 0, 0, 1, "1");
+  for (int i = 0; i < 4; ++i) AddBeat(s, 1, 0, kQuarter, {{i % 2, i % 2 ? "x" : "X"}});
+  const auto msgs = Trace(s);
+  const auto ons = NoteOns(msgs);
+  std::vector<int> drums;
+  for (const NoteOn& n : ons)
+    if (n.channel == 9) drums.push_back(n.note);
+  EXPECT_EQ(drums, (std::vector<int>{36, 38, 36, 38}));
+  EXPECT_EQ(TimesOf(ons, 9), TimesOf(ons, 0));
+  for (const MidiMessage& m : msgs) EXPECT_NE(m.Status, 0xC9);
+  EXPECT_TRUE(EveryNoteEnds(msgs));
+}
+
+TEST(Scheduler, BarsThatDoNotAddUp) {
+  // Track 0 is short in bar 0 (two quarters of four), track 1 is long in bar 1 (six).
+  // The last track decides where a bar ends; the short track waits, silent, for it.
+  Score s = MakeSong(2, 2);
+  AddBeat(s, 0, 0, kQuarter, {{0, "0"}});
+  AddBeat(s, 0, 0, kQuarter, {{0, "1"}});
+  FourQuarters(s, 0, 1, 0, "2");
+  FourQuarters(s, 1, 0, 5, "0");
+  for (int i = 0; i < 6; ++i) AddBeat(s, 1, 1, kQuarter, {{5, "3"}});
+  const auto msgs = Trace(s);
+  const auto ons = NoteOns(msgs);
+  EXPECT_EQ(TimesOf(ons, 0), (std::vector<double>{Step120(0), Step120(16), Step120(64), Step120(80), Step120(96),
+                                                  Step120(112)}));
+  std::vector<double> bass = TimesOf(ons, 2);
+  ASSERT_EQ(bass.size(), 10u);
+  EXPECT_EQ(bass.back(), Step120(64 + 80));
+  // The short track's last note stops when its beats run out, not at the bar line.
+  bool cut = false;
+  for (const MidiMessage& m : msgs)
+    if (m.TimeMs == Step120(32) && m.Status == 0xB0 && m.Data1 == 123) cut = true;
+  EXPECT_TRUE(cut);
+  EXPECT_TRUE(EveryNoteEnds(msgs));
+}
+
+TEST(Scheduler, StopInTheMiddleSilencesEverything) {
+  Score s = MakeSong(2, 4);
+  for (int b = 0; b < 4; ++b) {
+    FourQuarters(s, 0, b, 0, "3");
+    AddBeat(s, 1, b, kWhole, {{5, "0"}}).Notes[5].LetRing = true;
+  }
+  VirtualClock clock;
+  RecordingMidiOut out([&] { return clock.nowMs(); });
+  Scheduler sch(out, clock);
+  int stopped = 0;
+  sch.hooks.stopped = [&] { ++stopped; };
+  sch.PlayTab(s, 0, 3);
+  clock.advanceTo(1300);
+  ASSERT_TRUE(sch.playing());
+  ASSERT_FALSE(EveryNoteEnds(out.messages));
+  sch.StopTab();
+  EXPECT_FALSE(sch.playing());
+  EXPECT_EQ(stopped, 1);
+  EXPECT_TRUE(EveryNoteEnds(out.messages));
+  const size_t n = out.messages.size();
+  clock.advanceTo(10000);
+  EXPECT_EQ(out.messages.size(), n);  // nothing more after the stop
+  sch.StopTab();                      // stopping when idle is harmless
+  EXPECT_EQ(stopped, 1);
+}
+
+TEST(Scheduler, MarkerFollowsTheCurrentTrack) {
+  Score s = MakeSong(2, 2);
+  FourQuarters(s, 0, 0, 0, "0");
+  FourQuarters(s, 0, 1, 0, "0");
+  AddBeat(s, 1, 0, kWhole, {{0, "0"}});
+  AddBeat(s, 1, 1, kWhole, {{0, "0"}});
+  VirtualClock clock;
+  RecordingMidiOut out([&] { return clock.nowMs(); });
+  Scheduler sch(out, clock);
+  sch.options.CurrentTrack = 1;
+  std::vector<std::tuple<int, int, bool>> marks;
+  std::vector<int> follows;
+  sch.hooks.marker = [&](int bar, int beat, bool visible) { marks.emplace_back(bar, beat, visible); };
+  sch.hooks.follow = [&](int bar) {
+    if (follows.empty() || follows.back() != bar) follows.push_back(bar);
+  };
+  sch.PlayTab(s, 0, 1);
+  clock.runUntilIdle(1e9);
+  EXPECT_EQ(marks, (std::vector<std::tuple<int, int, bool>>{{0, 0, true}, {1, 0, true}, {2, 0, false}}));
+  EXPECT_EQ(follows, (std::vector<int>{0, 1}));
+}
+
+TEST(Scheduler, SpeedTrainerLoopsFasterEachPass) {
+  Score s = MakeSong(1, 1, 60);
+  AddBeat(s, 0, 0, kWhole, {{0, "0"}});
+  VirtualClock clock;
+  RecordingMidiOut out([&] { return clock.nowMs(); });
+  Scheduler sch(out, clock);
+  SpeedTrainer tr;
+  tr.Loops = 2;
+  tr.Tempo = 60;
+  tr.Step = 60;
+  tr.MaxTempo = 150;
+  sch.PlayTrainer(s, tr);
+  clock.runUntilIdle(1e9);
+  // Pass 1 at 60 (62 ms steps), pass 2 at 120 (31 ms), pass 3 capped at 150 (25 ms).
+  EXPECT_EQ(TimesOf(NoteOns(out.messages), 0), (std::vector<double>{62, 62 + 64 * 62, 62 + 64 * 62 + 64 * 31}));
+  EXPECT_FALSE(sch.playing());
+  EXPECT_TRUE(EveryNoteEnds(out.messages));
+}
+
+TEST(Scheduler, DamagedScoresPlayWithoutHanging) {
+  Score s = MakeSong(2, 3);
+  AddBeat(s, 0, 0, 99, {{0, "0"}});           // unknown length
+  AddBeat(s, 0, 1, kQuarter, {{0, "0"}}).IsTuplet = true;
+  s.barMut(0, 1).Beats[0].Tuplet = 40;         // unknown tuplet
+  // bar 2 of track 0 and all of track 1 have no beats at all
+  s.BarInfos[0].TimeSigDenominator = 0;
+  s.BarInfos[1].RepeatClose = -3;
+  s.Tempo = 0;
+  PlaybackOptions opt;
+  opt.Metronome = true;
+  const auto msgs = Trace(s, opt);
+  EXPECT_FALSE(msgs.empty());
+  EXPECT_TRUE(EveryNoteEnds(msgs));
+}
+
+TEST(Scheduler, EndlessSongIsRefusedOffline) {
+  // The slowest tempo and a long repeat: days of music.
+  Score s = MakeSong(1, 6, 0.01f);
+  for (int b = 0; b < 6; ++b) AddBeat(s, 0, b, kWhole, {{0, "0"}});
+  s.BarInfos[5].RepeatClose = 32767;
+  EXPECT_THROW(Trace(s), ScoreError);
+}
+
+TEST(Scheduler, SongLocations) {
+  Score s = MakeSong(2, 5);
+  EXPECT_EQ(GetSignLocation(s), 0);
+  EXPECT_EQ(GetCodaLocation(s), 0);
+  s.BarInfos[1].Sign = s.BarInfos[3].Sign = true;
+  s.BarInfos[4].Coda = true;
+  EXPECT_EQ(GetSignLocation(s), 3);
+  EXPECT_EQ(GetCodaLocation(s), 4);
+  AddBeat(s, 0, 2, kHalf);
+  AddBeat(s, 1, 2, kHalf);
+  AddBeat(s, 1, 2, kHalf).Text = "t= 9 0";
+  EXPECT_EQ(TrackWithMostStrumsOnBar(s, 2), 1);
+  EXPECT_EQ(TrackWithMostStrumsOnBar(s, 0), 0);
+  EXPECT_EQ(GetTempoMark(s, 1, 2, 1), 90);
+  EXPECT_EQ(GetTempoMark(s, 1, 2, 0), 0);
+  EXPECT_EQ(GetTempoMark(s, 1, 9, 0), 0);
+}
+
+}  // namespace
+}  // namespace plectaro
