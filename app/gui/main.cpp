@@ -1,0 +1,80 @@
+// plectaro: the editor. The session brings the program up in its fixed order (language,
+// folders, settings, a new document, the command line's file, first-run defaults); then the
+// window shows. --print-startup-time reports the time to the first painted page and quits.
+#include <QApplication>
+#include <QIcon>
+#include <QTimer>
+#include <chrono>
+#include <cstdio>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "shell/session.h"
+#include "shell/ui/document_view.h"
+#include "shell/ui/main_window.h"
+#include "shell/ui/qt_prompter.h"
+
+namespace {
+
+const auto kProcessStart = std::chrono::steady_clock::now();
+
+std::filesystem::path executableFolder() {
+  std::error_code ec;
+  auto exe = std::filesystem::read_symlink("/proc/self/exe", ec);
+  return ec ? std::filesystem::path() : exe.parent_path();
+}
+
+// Where the language files come from when an app folder is new: beside the program (portable
+// use and the build tree), the installed share folder, then the source tree of a development
+// build.
+std::vector<std::filesystem::path> seedFolders() {
+  const auto exe = executableFolder();
+  std::vector<std::filesystem::path> seeds = {exe / "Data", exe / ".." / "share" / "plectaro"};
+#ifdef PLECTARO_DATA_DIR
+  seeds.emplace_back(PLECTARO_DATA_DIR);
+#endif
+  return seeds;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  QApplication app(argc, argv);
+  QApplication::setApplicationName("Plectaro");
+  QApplication::setDesktopFileName("plectaro");
+  QApplication::setWindowIcon(QIcon::fromTheme("plectaro", QIcon(":/plectaro.svg")));
+
+  std::vector<std::string> args;
+  for (const QString& a : QApplication::arguments().mid(1)) args.push_back(a.toStdString());
+  const plectaro::CommandLine cmd = plectaro::ParseCommandLine(args);
+  if (!cmd.error.empty()) {
+    std::fprintf(stderr,
+                 "plectaro: %s\nusage: plectaro [--home DIR] [--print-startup-time] [FILE.plm]\n",
+                 cmd.error.c_str());
+    return 2;
+  }
+
+  plectaro::QtPrompter prompter;
+  plectaro::Session session(plectaro::ResolveAppFolder(cmd.home), prompter);
+  prompter.setMessages(&session.messages());
+  session.start(cmd, seedFolders());
+
+  plectaro::MainWindow window(session);
+  prompter.setParent(&window);
+  window.restoreToolbars();
+  if (cmd.printStartupTime) {
+    QObject::connect(window.view(), &plectaro::DocumentView::firstPainted, &app, [&] {
+      const double ms = std::chrono::duration<double, std::milli>(
+                            std::chrono::steady_clock::now() - kProcessStart)
+                            .count();
+      std::printf("startup_ms %.1f\n", ms);
+      std::fflush(stdout);
+      // Leave without the shutdown's settings write: a timing run changes nothing.
+      QTimer::singleShot(0, &app, [] { std::_Exit(0); });
+    });
+  }
+  window.show();
+  window.DrawDocument();
+  return app.exec();
+}

@@ -1,0 +1,143 @@
+#include "shell/session.h"
+
+#include "score/file_io.h"
+#include "score/new_score.h"
+#include "shell/qt_settings_store.h"
+
+namespace plectaro {
+
+namespace {
+
+bool startsWith(const std::string& s, std::string_view p) { return s.rfind(p, 0) == 0; }
+
+std::string lower(std::string s) {
+  for (char& c : s) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  return s;
+}
+
+}  // namespace
+
+CommandLine ParseCommandLine(const std::vector<std::string>& args) {
+  CommandLine cmd;
+  for (size_t i = 0; i < args.size(); ++i) {
+    const std::string& a = args[i];
+    if (a == "--home") {
+      if (i + 1 >= args.size()) {
+        cmd.error = "--home needs a folder";
+        return cmd;
+      }
+      cmd.home = args[++i];
+    } else if (startsWith(a, "--home=")) {
+      cmd.home = a.substr(7);
+    } else if (a == "--print-startup-time") {
+      cmd.printStartupTime = true;
+    } else if (startsWith(a, "-") && a.size() > 1) {
+      cmd.error = "unknown option " + a;
+      return cmd;
+    } else if (startsWith(lower(a), "http://") || startsWith(lower(a), "https://")) {
+      cmd.webAddress = a;
+    } else if (startsWith(a, "file://")) {
+      cmd.file = a.substr(7);
+    } else if (cmd.file.empty()) {
+      cmd.file = a;
+    }
+  }
+  return cmd;
+}
+
+void PrepareDataFolder(const AppFolder& folder,
+                       const std::vector<std::filesystem::path>& seedFolders) {
+  namespace fs = std::filesystem;
+  std::error_code ec;
+  fs::create_directories(folder.data() / "Languages", ec);
+  for (const fs::path& seed : seedFolders) {
+    const fs::path from = seed / "Languages";
+    if (!fs::is_directory(from, ec)) continue;
+    if (fs::equivalent(from, folder.data() / "Languages", ec)) break;
+    for (auto it = fs::directory_iterator(from, ec); !ec && it != fs::directory_iterator();
+         it.increment(ec)) {
+      const fs::path to = folder.data() / "Languages" / it->path().filename();
+      if (!fs::exists(to, ec)) fs::copy_file(it->path(), to, ec);
+    }
+    break;
+  }
+  const fs::path current = folder.data() / "CurrentLanguage.txt";
+  if (!fs::exists(current, ec))
+    fs::copy_file(folder.data() / "Languages" / "English.txt", current, ec);
+}
+
+Session::Session(AppFolder folder, Prompter& prompter)
+    : folder_(std::move(folder)),
+      prompter_(prompter),
+      store_(std::make_unique<QtSettingsStore>(folder_.settingsFile())),
+      files_(doc_, *store_, ini_, messages_, prompter) {}
+
+Session::~Session() = default;
+
+bool Session::start(const CommandLine& cmd, const std::vector<std::filesystem::path>& seedFolders) {
+  // The language comes first so that every message of the start-up is in the user's language;
+  // the language file lives in the data folder, so that is made ready just before.
+  PrepareDataFolder(folder_, seedFolders);
+  try {
+    messages_.load(ReadWholeFile(languageFile(), 4 << 20));
+  } catch (const FileError&) {
+    // No language file: the English texts stay.
+  }
+
+  std::error_code ec;
+  firstRun_ = !std::filesystem::exists(folder_.iniFile(), ec);
+  LoadINISettings(ini_, folder_.iniFile());
+  InitScore(doc_, *store_);
+  // Nothing to lose in the empty document of a fresh start.
+  doc_.ScoreChanged = false;
+
+  bool opened = true;
+  if (!cmd.file.empty()) {
+    std::filesystem::path p = std::filesystem::weakly_canonical(cmd.file, ec);
+    opened = files_.ForceOpenFile(ec ? cmd.file : p.string());
+  }
+
+  if (firstRun_) {
+    SetDefaultVars(*store_);
+    // The first-run defaults are new-document defaults; an untouched empty document follows them.
+    if (doc_.score.CurrentFileName.empty() && !doc_.ScoreChanged) {
+      InitScore(doc_, *store_);
+      doc_.ScoreChanged = false;
+    }
+    try {
+      SaveINISettings(ini_, folder_.iniFile());
+    } catch (const FileError& e) {
+      prompter_.message(messages_.str("str_FileError") + "\n" + e.what(),
+                        messages_.str("str_Error"), MessageIcon::Warning);
+    }
+  }
+  return opened;
+}
+
+void Session::shutdown() {
+  store_->sync();
+  try {
+    SaveINISettings(ini_, folder_.iniFile());
+  } catch (const FileError& e) {
+    prompter_.message(messages_.str("str_FileError") + "\n" + e.what(),
+                      messages_.str("str_Error"), MessageIcon::Warning);
+  }
+}
+
+std::vector<std::string> Session::languages() const {
+  return ListLanguages(folder_.data() / "Languages");
+}
+
+bool Session::chooseLanguage(const std::string& name) {
+  try {
+    const std::string bytes = ReadWholeFile(folder_.data() / "Languages" / (name + ".txt"), 4 << 20);
+    WriteFileAtomically(languageFile(), bytes);
+    return true;
+  } catch (const FileError& e) {
+    prompter_.message(messages_.str("str_FileError") + "\n" + e.what(), messages_.str("str_Error"),
+                      MessageIcon::Warning);
+    return false;
+  }
+}
+
+}  // namespace plectaro

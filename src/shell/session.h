@@ -1,0 +1,76 @@
+// One run of the editor without its windows: the app folder, the settings store, PL4.ini, the
+// message texts, the open document and the file commands, brought up in the start-up order
+// and written back at the end. The main window owns one; tests drive one directly.
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "score/document.h"
+#include "score/settings_store.h"
+#include "shell/app_folder.h"
+#include "shell/file_commands.h"
+#include "shell/ini_settings.h"
+#include "shell/language.h"
+#include "shell/prompter.h"
+
+namespace plectaro {
+
+struct CommandLine {
+  std::string home;        // --home DIR
+  std::string file;        // a file to open
+  std::string webAddress;  // an http(s):// address handed over for the web tab import
+  bool printStartupTime = false;
+  std::string error;       // non-empty on wrong usage
+};
+
+// argv without the program name. Accepts --home DIR, --home=DIR, --print-startup-time, and one
+// file path or web address; a path given as a file: URL is taken as the path.
+CommandLine ParseCommandLine(const std::vector<std::string>& args);
+
+// Makes <app>/Data, copies the language files from the first seed folder holding a Languages
+// folder (only files not there yet), and on a first run makes CurrentLanguage.txt a copy of
+// English. Errors are ignored: the program runs on with English texts.
+void PrepareDataFolder(const AppFolder& folder,
+                       const std::vector<std::filesystem::path>& seedFolders);
+
+class Session {
+ public:
+  Session(AppFolder folder, Prompter& prompter);
+  ~Session();
+
+  // The start-up: language texts, data folder, settings, a new document, the command line's
+  // file, and on a first run the defaults and a new PL4.ini. Returns the file's open result
+  // (true when there was no file).
+  bool start(const CommandLine& cmd, const std::vector<std::filesystem::path>& seedFolders);
+  // Writes the settings; a failure is reported and the old file stays.
+  void shutdown();
+
+  // Copies the chosen language over CurrentLanguage.txt; false if it could not.
+  bool chooseLanguage(const std::string& name);
+  std::vector<std::string> languages() const;
+
+  const AppFolder& folder() const { return folder_; }
+  SettingsStore& settings() { return *store_; }
+  IniSettings& ini() { return ini_; }
+  const Messages& messages() const { return messages_; }
+  Document& doc() { return doc_; }
+  FileCommands& files() { return files_; }
+  Prompter& prompter() { return prompter_; }
+  bool firstRun() const { return firstRun_; }
+  std::filesystem::path languageFile() const { return folder_.data() / "CurrentLanguage.txt"; }
+
+ private:
+  AppFolder folder_;
+  Prompter& prompter_;
+  std::unique_ptr<SettingsStore> store_;
+  IniSettings ini_;
+  Messages messages_;
+  Document doc_;
+  FileCommands files_;
+  bool firstRun_ = false;
+};
+
+}  // namespace plectaro

@@ -1,0 +1,143 @@
+#include "shell/ui/document_view.h"
+
+#include <QPainter>
+#include <QScrollBar>
+
+#include "score/bar_timing.h"
+
+#ifdef PLECTARO_HAVE_RENDERING
+#include "rendering/draw_document.h"
+#include "rendering/qt/qt_surface.h"
+#endif
+
+namespace plectaro {
+
+namespace {
+
+#ifdef PLECTARO_HAVE_RENDERING
+LayoutSettings layoutSettings(const IniSettings& ini) {
+  LayoutSettings s;
+  s.MinTabX = static_cast<int16_t>(std::clamp(ini.MinTabX, 1, 1000));
+  s.MaxTabX = static_cast<int16_t>(std::clamp(ini.MaxTabX, 1, 1000));
+  s.AutoPageStretch = ini.AutoPageStretch;
+  return s;
+}
+#endif
+
+}  // namespace
+
+DocumentView::DocumentView(Document& doc, const IniSettings& ini, QWidget* parent)
+    : QAbstractScrollArea(parent), doc_(doc), ini_(ini) {
+  setObjectName("picDocument");
+  setFocusPolicy(Qt::StrongFocus);
+  viewport()->setAutoFillBackground(false);
+  setFrameShape(QFrame::NoFrame);
+}
+
+void DocumentView::drawDocument() {
+  viewport()->update();
+}
+
+void DocumentView::resetScroll() {
+  verticalScrollBar()->setValue(0);
+  horizontalScrollBar()->setValue(0);
+  doc_.FullRelayout = true;
+  viewport()->update();
+}
+
+void DocumentView::resizeEvent(QResizeEvent* e) {
+  QAbstractScrollArea::resizeEvent(e);
+  // A new picture size may change the rows (auto stretch) and the page offset.
+  doc_.FullRelayout = true;
+}
+
+void DocumentView::scrollContentsBy(int, int) {
+  if (!inPaint_) viewport()->update();
+}
+
+void DocumentView::applyScroll(int vMax, int vPage, int vStep, int hMax, bool hEnabled) {
+  QScrollBar* v = verticalScrollBar();
+  QScrollBar* h = horizontalScrollBar();
+  v->setRange(0, std::max(0, vMax));
+  v->setPageStep(std::max(1, vPage));
+  v->setSingleStep(std::max(1, vStep));
+  h->setRange(0, hEnabled ? std::max(0, hMax) : 0);
+  h->setPageStep(10);
+  h->setSingleStep(1);
+}
+
+void DocumentView::paintEvent(QPaintEvent*) {
+  inPaint_ = true;
+  QPainter painter(viewport());
+  painter.setRenderHint(QPainter::Antialiasing, true);
+  painter.setRenderHint(QPainter::TextAntialiasing, true);
+  const QSize size = viewport()->size();
+  ViewStatus status;
+#ifdef PLECTARO_HAVE_RENDERING
+  {
+    QtSurface surface(painter);
+    ViewState view;
+    view.PictureWidth = size.width();
+    view.PictureHeight = size.height();
+    view.VScroll = verticalScrollBar()->value();
+    view.HScroll = horizontalScrollBar()->value();
+    const QColor bg = palette().color(QPalette::Dark);
+    view.Background = Color{static_cast<uint8_t>(bg.red()), static_cast<uint8_t>(bg.green()),
+                            static_cast<uint8_t>(bg.blue()), 255};
+    DrawTexts texts;
+    if (str_) {
+      texts.PagesLabel = str_("str_PagesLabel");
+      texts.Page = str_("str_Page");
+      texts.Of = str_("str_Of");
+      texts.PageHoldsNoRow = str_("str_ChooseNewPaperSize");
+      texts.FillUnder = str_("str_IncompleteBar");
+      texts.FillFull = str_("str_CompleteBar");
+      texts.FillOver = str_("str_ExceededBar");
+    }
+    painter.fillRect(viewport()->rect(), bg);
+    DrawResult r = DrawDocument(doc_, layoutSettings(ini_), view, texts, surface);
+    applyScroll(r.Scroll.VMax, r.Scroll.VLargeChange, r.Scroll.VSmallChange, r.Scroll.HMax,
+                r.Scroll.HEnabled);
+    status.BeatCount = r.Status.BeatCount;
+    status.Fill = r.Status.Fill;
+    status.FillState = r.Status.FillState;
+    status.Pages = r.Status.Pages;
+    status.Error = r.Error;
+  }
+#else
+  // Until the page drawing is in, show the sheet the document will stand on.
+  painter.fillRect(viewport()->rect(), palette().color(QPalette::Dark));
+  const int pageW = 795, pageH = 1124;
+  const int vMax = std::max(0, (pageH + 70 - size.height()) / 8);
+  applyScroll(vMax, std::max(1, size.height() / 8), 3, std::max(0, (pageW + 80 - size.width()) / 10),
+              size.width() < pageW + 80);
+  const int x = size.width() > pageW + 80 ? (size.width() - pageW) / 2
+                                          : 40 - 10 * horizontalScrollBar()->value();
+  const int y = 35 - 8 * verticalScrollBar()->value();
+  painter.fillRect(x + 5, y + 5, pageW, pageH, QColor(60, 60, 60));
+  painter.fillRect(x, y, pageW, pageH, Qt::white);
+  painter.setPen(Qt::black);
+  QFont f("Times New Roman", 22);
+  painter.setFont(f);
+  painter.drawText(QRect(x, y + 40, pageW, 50), Qt::AlignHCenter,
+                   QString::fromStdString(doc_.score.Title));
+  try {
+    const int t = doc_.CursorTrack, b = doc_.CursorBar;
+    status.BeatCount = " " + Format64ths(GetBeatsLength(doc_.score, t, b)) + " 64ths -- " +
+                       Format64ths(GetBarLength(doc_.score, t, b)) + " 64ths";
+    status.FillState = CheckBar(doc_.score, t, b);
+  } catch (const ScoreError& e) {
+    status.Error = e.what();
+  }
+  doc_.FullRelayout = false;
+#endif
+  inPaint_ = false;
+  last_ = status;
+  emit drawn(status);
+  if (!painted_) {
+    painted_ = true;
+    emit firstPainted();
+  }
+}
+
+}  // namespace plectaro

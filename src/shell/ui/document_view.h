@@ -1,0 +1,54 @@
+// picDocument: the scrollable picture of the current Track's pages. It paints through the page
+// drawing code; the scroll ranges and steps come from the page layout of each draw.
+#pragma once
+
+#include <QAbstractScrollArea>
+#include <functional>
+#include <string>
+
+#include "score/document.h"
+#include "shell/ini_settings.h"
+
+namespace plectaro {
+
+struct ViewStatus {
+  std::string BeatCount;  // timing panel
+  std::string Fill;       // fill panel
+  int FillState = 1;      // 0 under, 1 full, 2 over
+  std::string Pages;      // page count panel
+  std::string Error;      // a draw that gave up says why
+};
+
+class DocumentView : public QAbstractScrollArea {
+  Q_OBJECT
+ public:
+  DocumentView(Document& doc, const IniSettings& ini, QWidget* parent = nullptr);
+
+  // The texts the pages show (page furniture, fill words), in the interface language.
+  void setTexts(std::function<std::string(std::string_view)> str) { str_ = std::move(str); }
+  // DrawDocument: lays out as the document's flags ask and repaints now.
+  void drawDocument();
+  // Back to the first page, e.g. after another document was opened.
+  void resetScroll();
+
+ signals:
+  void drawn(const plectaro::ViewStatus& status);
+  void firstPainted();
+
+ protected:
+  void paintEvent(QPaintEvent*) override;
+  void resizeEvent(QResizeEvent*) override;
+  void scrollContentsBy(int dx, int dy) override;
+
+ private:
+  Document& doc_;
+  const IniSettings& ini_;
+  std::function<std::string(std::string_view)> str_;
+  bool painted_ = false;
+  bool inPaint_ = false;
+  ViewStatus last_;
+
+  void applyScroll(int vMax, int vPage, int vStep, int hMax, bool hEnabled);
+};
+
+}  // namespace plectaro
