@@ -174,16 +174,38 @@ void drawRest(Surface& s, int length, double cx, double cy, Color c) {
   }
 }
 
-void drawClefGlyph(Surface& s, bool bassClef, double x, double staffTop, Color c) {
-  Font f = plainFont(kMusicGlyphFamily, bassClef ? 17 : 22);
-  // U+1D11E G clef, U+1D122 F clef; placed so the curl of the G clef wraps the G line and
-  // the dots of the F clef straddle the F line.
-  const char* glyph = bassClef ? "\xF0\x9D\x84\xA2" : "\xF0\x9D\x84\x9E";
-  const TextMetrics m = s.measureText(glyph, f);
-  const double anchorLine = bassClef ? staffTop + 7 : staffTop + 21;  // F line, G line
-  const double baselineRise = bassClef ? 0.42 : 0.30;                   // anchor above baseline, in em
-  const double em = f.size * kUnitsPerPoint;
-  s.drawText({x, anchorLine + baselineRise * em - m.ascent}, glyph, f, c);
+// Clefs as outlines: no installed face carries the musical symbols. `x` is the clef's left
+// edge; `size` scales the shape (1 for a full clef, less at the start of a row).
+void drawTrebleClef(Surface& s, double x, double staffTop, Color c, double size = 1.0) {
+  const double cx = x + 6 * size;
+  const double gl = staffTop + 21;  // the G line the curl wraps
+  auto P = [&](double dx, double dy) { return Point{cx + dx * size, gl + dy * size}; };
+  Path p;
+  p.moveTo(P(1.5, -1.5))
+      .cubicTo(P(-2, -2), P(-2, 3), P(1.5, 3.5))
+      .cubicTo(P(6, 4), P(7, -3), P(3, -6))
+      .cubicTo(P(-4, -10), P(-6.5, 1), P(-3, 5))
+      .cubicTo(P(0, 9), P(8, 8), P(8, 1))
+      .cubicTo(P(8, -7), P(1, -13), P(1, -19))
+      .cubicTo(P(1, -25), P(4, -30), P(5, -29))
+      .cubicTo(P(6, -27), P(4, -21), P(0, -16))
+      .lineTo(P(3, 12))
+      .cubicTo(P(3.5, 16), P(-1, 17), P(-2, 14));
+  s.strokePath(p, c, 1.5 * std::max(size, 0.7));
+  s.fillEllipse({cx - 3.8 * size, gl + 12 * size, 3.6 * size, 3.6 * size}, c);
+}
+
+void drawBassClef(Surface& s, double x, double staffTop, Color c, double size = 1.0) {
+  const double fl = staffTop + 7;  // the F line between the dots
+  auto P = [&](double dx, double dy) { return Point{x + dx * size, fl + dy * size}; };
+  Path p;
+  p.moveTo(P(2, 1))
+      .cubicTo(P(2, -6), P(13, -7), P(13, 2))
+      .cubicTo(P(13, 11), P(6, 17), P(0, 20));
+  s.strokePath(p, c, 1.8 * std::max(size, 0.7));
+  s.fillEllipse({x + 0.5 * size, fl - 0.5 * size, 4 * size, 4 * size}, c);
+  s.fillEllipse({x + 15 * size, fl - 4.5 * size, 2.4 * size, 2.4 * size}, c);
+  s.fillEllipse({x + 15 * size, fl + 2.1 * size, 2.4 * size, 2.4 * size}, c);
 }
 
 // ---- rhythm: stems, flags, beams, shared by the tab and notation layers ----
@@ -311,7 +333,25 @@ void BarPainter::frame() {
   // The bar line joins every staff of the track.
   const double right = x_ + width_;
   s_.drawLine({right, g_.firstLine}, {right, g_.lastLine}, line_);
-  if (!sig_) return;
+  if (!sig_) {
+    // A row that opens without a signature still shows its clefs and TAB, small enough for
+    // the narrow lead-in of a plain bar.
+    const bool rowStart = bar_ < static_cast<int>(ctx_.layout.size()) &&
+                          ctx_.layout[static_cast<size_t>(bar_)].RowFirstBar == bar_ && bar_ > 0;
+    if (!rowStart) return;
+    if (g_.treble && !tr_.DrumTrack) drawTrebleClef(s_, x_ + 2, g_.trebleTop, line_, 0.62);
+    if (g_.bass && !tr_.DrumTrack) drawBassClef(s_, x_ + 2, g_.bassTop, line_, 0.7);
+    if (g_.tab) {
+      const double h = g_.tabBottom - g_.tabTop;
+      const Font f = plainFont(kArial, std::clamp(h / 6.0, 4.0, 7.0), true);
+      const char* letters[3] = {"T", "A", "B"};
+      for (int i = 0; i < 3; ++i) {
+        const TextMetrics m = s_.measureText(letters[i], f);
+        s_.drawText({x_ + 8 - m.width / 2, g_.tabTop + h * (i + 0.5) / 3 - m.height() / 2}, letters[i], f, line_);
+      }
+    }
+    return;
+  }
   if (g_.treble && !tr_.DrumTrack) drawNotationHead(false, g_.trebleTop);
   if (g_.bass && !tr_.DrumTrack) drawNotationHead(true, g_.bassTop);
   if (tr_.DrumTrack && (g_.treble || g_.bass)) {
@@ -329,7 +369,7 @@ void BarPainter::drawTimeSignature(double top, double height, double size) {
   const Font f = plainFont(kSmallFonts, size, true);
   const std::string num = std::to_string(info_->TimeSigNumerator);
   const std::string den = std::to_string(info_->TimeSigDenominator);
-  const double cxs = x_ + 72;
+  const double cxs = x_ + 68;
   middleText(s_, cxs - s_.measureText(num, f).width / 2, top + height * 0.25, num, f, note_);
   middleText(s_, cxs - s_.measureText(den, f).width / 2, top + height * 0.75, den, f, note_);
 }
@@ -349,7 +389,8 @@ void BarPainter::drawTabHead() {
 }
 
 void BarPainter::drawNotationHead(bool bassClef, double staffTop) {
-  drawClefGlyph(s_, bassClef, x_ + 3, staffTop, line_);
+  if (bassClef) drawBassClef(s_, x_ + 4, staffTop, line_);
+  else drawTrebleClef(s_, x_ + 5, staffTop, line_);
   // Key signature: sharps and flats at the heights of their letters, circle-of-fifths order.
   const int count = std::abs(KeyAccidentalCount(tb_.KeySignature));
   const bool flats = KeyUsesFlats(tb_.KeySignature);
@@ -360,7 +401,7 @@ void BarPainter::drawNotationHead(bool bassClef, double staffTop) {
     int pitch = (flats ? kFlatPitches : kSharpPitches)[static_cast<size_t>(i)];
     if (bassClef) pitch -= 24;
     const double cy = base + StaffPosition(pitch, false) + 6.5;
-    drawAccidental(s_, flats ? Accidental::Flat : Accidental::Sharp, x_ + 27 + i * 5.5, cy, note_);
+    drawAccidental(s_, flats ? Accidental::Flat : Accidental::Sharp, x_ + 26 + i * 5, cy, note_);
   }
   drawTimeSignature(staffTop, 28, 10.5);
 }
@@ -627,7 +668,7 @@ void BarPainter::notationLayer(bool bassStaff) {
       top = std::min(top, r[static_cast<size_t>(k)].top);
       bottom = std::max(bottom, r[static_cast<size_t>(k)].bottom);
     }
-    gr.up = sum / count >= middle;
+    gr.up = sum / count > middle;
     gr.tip = gr.up ? std::min(top - 22, middle) : std::max(bottom + 22, middle);
   }
   const Font small = plainFont(kSmallFonts, 5.5);
@@ -640,35 +681,43 @@ void BarPainter::notationLayer(bool bassStaff) {
       continue;
     }
     const bool open = b.Length <= kHalf;
-    for (const Head& h : heads[k]) {
+    const int gi = r[k].group;
+    bool up = (r[k].top + r[k].bottom) / 2 > middle;
+    double tip = up ? r[k].top - 24 : r[k].bottom + 24;
+    if (gi >= 0) {
+      up = groups[static_cast<size_t>(gi)].up;
+      tip = groups[static_cast<size_t>(gi)].tip;
+    }
+    // Heads a second apart cannot share a place: every other one goes to the far side of
+    // the stem, walking away from the stem's foot.
+    std::vector<Head>& hs = heads[k];
+    std::sort(hs.begin(), hs.end(), [up](const Head& a, const Head& b2) { return up ? a.cy > b2.cy : a.cy < b2.cy; });
+    std::vector<double> shift(hs.size(), 0);
+    for (size_t i = 1; i < hs.size(); ++i)
+      if (std::fabs(hs[i].cy - hs[i - 1].cy) < 4.5 && shift[i - 1] == 0) shift[i] = up ? 6.6 : -6.6;
+    for (size_t i = 0; i < hs.size(); ++i) {
+      const Head& h = hs[i];
+      const double hx = c + shift[i];
       // Ledger lines from the staff out to the note.
-      for (double ly = staffTop - 7; ly >= h.cy - 1; ly -= 7) s_.drawLine({c - 5.5, ly}, {c + 5.5, ly}, line_);
-      for (double ly = staffTop + 35; ly <= h.cy + 1; ly += 7) s_.drawLine({c - 5.5, ly}, {c + 5.5, ly}, line_);
-      const Rect head{c - 3.5, h.cy - 2.8, 7, 5.6};
+      for (double ly = staffTop - 7; ly >= h.cy - 1; ly -= 7) s_.drawLine({hx - 5.5, ly}, {hx + 5.5, ly}, line_);
+      for (double ly = staffTop + 35; ly <= h.cy + 1; ly += 7) s_.drawLine({hx - 5.5, ly}, {hx + 5.5, ly}, line_);
+      const Rect head{hx - 3.5, h.cy - 2.8, 7, 5.6};
       if (open) s_.drawEllipse(head, note_, 1.2);
       else s_.fillEllipse(head, note_);
       const Accidental a = AccidentalFor(h.pitch, tb_.KeySignature);
-      if (a != Accidental::None) drawAccidental(s_, a, c - 11, h.cy, note_);
+      if (a != Accidental::None) drawAccidental(s_, a, c - 11 - (shift[i] < 0 ? 6.6 : 0), h.cy, note_);
       if (b.Dotted) {
         const double offLine = std::fmod(std::fabs(h.cy - staffTop), 7.0);
         const double dy = (offLine < 1.0 || offLine > 6.0) ? -3.5 : 0;
-        s_.fillEllipse({c + 5, h.cy + dy - 1.1, 2.2, 2.2}, note_);
+        s_.fillEllipse({c + 5 + std::max(shift[i], 0.0) + (up ? 0 : 0), h.cy + dy - 1.1, 2.2, 2.2}, note_);
       }
     }
     if (b.Length >= kHalf) {
-      const int gi = r[k].group;
-      bool up = (r[k].top + r[k].bottom) / 2 >= middle;
-      double tip = up ? r[k].top - 24 : r[k].bottom + 24;
-      if (gi >= 0) {
-        up = groups[static_cast<size_t>(gi)].up;
-        tip = groups[static_cast<size_t>(gi)].tip;
-      }
       const double sx = up ? c + 3.3 : c - 3.3;
       const double from = up ? r[k].bottom : r[k].top;
       stemAndFlags(sx, from, tip, b.Length, up, gi >= 0);
     }
     if (b.IsTuplet && b.Tuplet >= 0 && b.Tuplet < kTupletKinds) {
-      const int gi = r[k].group;
       if (gi < 0 || groups[static_cast<size_t>(gi)].first == static_cast<int>(k)) {
         double mid = c;
         double ty = r[k].top - 30;
@@ -817,7 +866,9 @@ void BarPainter::aboveSigns(int k) {
   if (!b.Text.empty()) topText(b.Text, noteFont_, note_);
   if (b.HasChord) {
     const BeatChord& ch = *b.Chord;
-    if (ctx_.score.AlwaysDrawChordCharts) {
+    bool hasFrets = false;
+    for (const std::string& f : ch.Frets) hasFrets = hasFrets || !f.empty();
+    if (ctx_.score.AlwaysDrawChordCharts && hasFrets) {
       chordChart(ch, c, top - 2);
       top -= 52;
     } else if (!ch.Name.empty()) {
@@ -901,8 +952,10 @@ void BarPainter::marks() {
   if (g_.treble) staves.push_back({g_.trebleTop, g_.trebleTop + 28, g_.trebleTop + 10.5, g_.trebleTop + 17.5});
   if (g_.bass) staves.push_back({g_.bassTop, g_.bassTop + 28, g_.bassTop + 10.5, g_.bassTop + 17.5});
   if (g_.tab) {
+    // The dots sit in the two spaces round the middle of the tab.
     const double mid = (g_.tabTop + g_.tabBottom) / 2;
-    staves.push_back({g_.tabTop, g_.tabBottom, mid - 5, mid + 5});
+    const double d = g_.strings % 2 ? 5 : 10;
+    staves.push_back({g_.tabTop, g_.tabBottom, mid - d, mid + d});
   }
   auto repeatSign = [&](double thickX, double thinX, double dotX) {
     s_.fillRect({thickX - 1.5, g_.firstLine, 3, g_.lastLine - g_.firstLine}, line_);
@@ -913,8 +966,8 @@ void BarPainter::marks() {
     }
   };
   if (bi.RepeatOpen) {
-    const double lx = x_ + (sig_ ? 79 : 2);
-    repeatSign(lx, lx + 4, lx + 8);
+    const double lx = x_ + (sig_ ? 76 : 2);
+    repeatSign(lx, lx + 3.5, lx + 7);
   }
   const double right = x_ + width_;
   if (bi.RepeatClose > 0) {
@@ -925,7 +978,7 @@ void BarPainter::marks() {
     s_.drawText({right - m.width - 2, g_.firstLine - m.height() - 2}, count, f, note_);
   }
   const Font arial = plainFont(kArial, 7, true);
-  double ry = g_.firstLine - 14;
+  double ry = g_.firstLine - (bi.RepeatClose > 0 ? 16 : 4);
   auto rightText = [&](const char* text) {
     const TextMetrics m = s_.measureText(text, arial);
     ry -= m.height();

@@ -41,7 +41,8 @@ void drawSheet(Surface& s, const LayoutSettings& st, double x, double top, Color
 // The page loop: lays out rows page by page from bar 0, writing DrawX, DrawY, DrawWidth,
 // BeatSpacing and LayoutOrdinal, and draws what falls inside the picture.
 void runPages(Document& doc, int track, const LayoutSettings& st, const DrawTexts& texts,
-              const Placement& pl, RowLayout& rows, int lastPage, Surface& surface, bool cursor) {
+              const Placement& pl, RowLayout& rows, int lastPage, Surface& surface, bool cursor,
+              std::vector<RowChoice>& rowsOut) {
   std::vector<BarLayout>& lay = rows.bars();
   DrawContext ctx{doc.score, track, st, lay, surface};
   if (cursor && doc.CursorTrack == track) {
@@ -67,6 +68,7 @@ void runPages(Document& doc, int track, const LayoutSettings& st, const DrawText
     long long y = pageTop + st.PageTopMargin;
     for (int r = 0; r < perPage && bar <= rows.lastBar(); ++r) {
       const RowChoice row = rows.ChooseRow(bar);
+      rowsOut.push_back(row);
       if (y > std::numeric_limits<int32_t>::max() || y < std::numeric_limits<int32_t>::min())
         throw LayoutError("Page layout overflow: the document is too long to lay out");
       const double rowX = st.PageLeftMargin + pl.offsetX;
@@ -194,7 +196,8 @@ DrawResult runPass(Document& doc, int track, const LayoutSettings& settingsIn, c
       } none;
       Placement layoutOnly = pl;
       if (!surface) layoutOnly.pictureHeight = -1e9;  // nothing is in sight
-      runPages(doc, track, st, texts, layoutOnly, rows, result.LastPage, surface ? *surface : none, cursor);
+      runPages(doc, track, st, texts, layoutOnly, rows, result.LastPage, surface ? *surface : none, cursor,
+               result.Rows);
     }
   } catch (const LayoutError& e) {
     result.Ok = false;
@@ -261,16 +264,22 @@ DrawResult RenderPage(Document& doc, int track, int page, const LayoutSettings& 
   if (page < 0) {
     DrawResult r;
     r.Ok = false;
-    r.Error = "Page numbers start at 1";
+    r.Error = "Page numbers start at 0";
     return r;
   }
+  DrawResult first = LayoutTrack(doc, track, settings, texts);
+  if (!first.Ok) return first;
   return runPass(doc, track, settings, texts, pl, &surface, false, nullptr);
 }
 
 DrawResult LayoutTrack(Document& doc, int track, const LayoutSettings& settings, const DrawTexts& texts) {
   Placement pl;
-  pl.firstTop = 35;
-  pl.offsetX = 40;
+  pl.firstTop = 0;
+  pl.offsetX = 0;
+  // The row choice sees the signature flags of the layout before it. A page made for output
+  // has no layout before it, so a first walk settles the flags and the second one counts.
+  DrawResult settle = runPass(doc, track, settings, texts, pl, nullptr, false, nullptr);
+  if (!settle.Ok) return settle;
   return runPass(doc, track, settings, texts, pl, nullptr, false, nullptr);
 }
 

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "rendering/page_layout.h"
 #include "rendering/surface.h"
@@ -55,6 +56,7 @@ struct DrawResult {
   int CursorPage = 0;
   ScrollRanges Scroll;
   StatusLine Status;
+  std::vector<RowChoice> Rows;  // the rows of the last layout walk, in order
   LayoutSettings UsedSettings;  // after auto stretch
 };
 
@@ -71,7 +73,8 @@ DrawResult DrawDocument(Document& doc, const LayoutSettings& settings, const Vie
 DrawResult RenderPage(Document& doc, int track, int page, const LayoutSettings& settings,
                       const DrawTexts& texts, Surface& surface);
 
-// Lays out the whole Track without drawing (what hit-testing and the CLI's layout verb need).
+// Lays out the whole Track without drawing (what hit-testing and the CLI's layout verb need),
+// with page 0 at the surface origin as in RenderPage; later pages follow PageHeight + 35 apart.
 DrawResult LayoutTrack(Document& doc, int track, const LayoutSettings& settings,
                        const DrawTexts& texts);
 

@@ -12,7 +12,7 @@ namespace {
 
 // Windows faces that scores name, and the free faces that stand in for them: metric-compatible
 // where one exists (Liberation), else the nearest in shape (DejaVu).
-constexpr std::array<std::pair<const char*, const char*>, 12> kFontMap = {{
+constexpr std::array<std::pair<const char*, const char*>, 11> kFontMap = {{
     {"times new roman", "Liberation Serif"},
     {"arial", "Liberation Sans"},
     {"courier new", "Liberation Mono"},
@@ -24,7 +24,6 @@ constexpr std::array<std::pair<const char*, const char*>, 12> kFontMap = {{
     {"verdana", "DejaVu Sans"},
     {"georgia", "DejaVu Serif"},
     {"comic sans ms", "DejaVu Sans"},
-    {"music glyphs", "DejaVu Math TeX Gyre"},
 }};
 
 }  // namespace

@@ -125,9 +125,6 @@ class Surface {
 // old files carry go to metric-compatible or nearest free faces; other names pass through.
 std::string MapFontFamily(std::string_view storedName);
 
-// Family used for the clef, rest and accidental glyphs of the notation.
-constexpr const char* kMusicGlyphFamily = "Music Glyphs";
-
 // Page units per point: a US inch is 96.1644 units and 72 points.
 constexpr double kUnitsPerPoint = 96.1644 / 72.0;
 
