@@ -1,0 +1,155 @@
+#include "playback/qt/player.h"
+
+#include <algorithm>
+
+#include "playback/fluidsynth_out.h"
+#include "playback/output_devices.h"
+#include "playback/qt/qt_clock.h"
+#include "playback/sounding.h"
+#include "score/bar_timing.h"
+
+namespace plectaro {
+
+PlayMarkerPos PlayMarkerPosition(const Document& doc, int track, int bar, int beat) {
+  PlayMarkerPos pos;
+  if (track < 0 || static_cast<size_t>(track) >= doc.Layout.size()) return pos;
+  const auto& bars = doc.Layout[static_cast<size_t>(track)];
+  if (bar < 0 || static_cast<size_t>(bar) >= bars.size()) return pos;
+  const BarLayout& l = bars[static_cast<size_t>(bar)];
+  // A bar that opens with a signature has its first beat further right.
+  pos.Left = l.DrawX + beat * l.BeatSpacing + (l.ShowsSignature ? 75 : 11);
+  pos.Top = l.DrawY + 20;
+  pos.Known = true;
+  return pos;
+}
+
+Player::Player(const SettingsStore* settings, QObject* parent)
+    : QObject(parent),
+      devices_(std::make_unique<OutputDevices>(FindSoundFont(settings))),
+      ownClock_(std::make_unique<QtPlaybackClock>()),
+      out_(devices_.get()),
+      scheduler_(std::make_unique<Scheduler>(*out_, *ownClock_)),
+      tmrStop_(ownClock_->createTimer()) {
+  wire();
+}
+
+Player::Player(MidiOut& out, PlaybackClock& clock, QObject* parent)
+    : QObject(parent), out_(&out), scheduler_(std::make_unique<Scheduler>(out, clock)),
+      tmrStop_(clock.createTimer()) {
+  wire();
+}
+
+Player::~Player() {
+  // No signals from a half-destroyed player.
+  scheduler_->hooks = {};
+  scheduler_.reset();
+  if (out_) MIDIClose(*out_);
+}
+
+void Player::wire() {
+  scheduler_->hooks.marker = [this](int bar, int beat, bool visible) {
+    emit playPositionChanged(bar, beat, visible);
+    if (shown_) {
+      const PlayMarkerPos pos = PlayMarkerPosition(*shown_, options_.CurrentTrack, bar, beat);
+      emit playMarkerMoved(pos.Left, pos.Top, visible && pos.Known);
+    }
+  };
+  scheduler_->hooks.follow = [this](int bar) { emit followBar(bar); };
+  scheduler_->hooks.stopped = [this] {
+    emit playMarkerMoved(0, 0, false);
+    emit playingChanged(false);
+    reportSilence();
+  };
+  // The editor's single notes end by themselves a moment later.
+  tmrStop_->setOnTimer([this] {
+    MIDIAllNotesOff(*out_);
+    tmrStop_->setEnabled(false);
+  });
+}
+
+void Player::reportSilence() {
+  const std::string why = out_->takeNotice();
+  if (!why.empty()) emit noSound(QString::fromStdString(why));
+}
+
+void Player::LoadMIDI(int outputDeviceId, int16_t outputBank) {
+  options_.OutputBank = outputBank;
+  MIDIClose(*out_);
+  list_ = MIDIListDevices(*out_);
+  int number = OutputDevices::kDefaultDevice;
+  if (outputDeviceId >= 0 && static_cast<size_t>(outputDeviceId) < list_.size())
+    number = list_[static_cast<size_t>(outputDeviceId)].ItemData;
+  MIDIOpen(*out_, number);
+  MIDIProgramChange(*out_, 0, outputBank, 24);
+  reportSilence();
+}
+
+std::vector<MidiDeviceInfo> Player::devices() {
+  list_ = MIDIListDevices(*out_);
+  return list_;
+}
+
+bool Player::openDeviceRow(int row) {
+  if (row < 0 || static_cast<size_t>(row) >= list_.size()) return false;
+  const bool ok = MIDIOpen(*out_, list_[static_cast<size_t>(row)].ItemData);
+  if (!ok) {
+    const std::string why = out_->errorText(kMidiOpenFailed);
+    emit noSound(QString::fromStdString(why));
+  }
+  return ok;
+}
+
+void Player::playBar(const Document& doc) { play(doc, doc.CursorBar, doc.CursorBar); }
+
+void Player::playFromHere(const Document& doc) {
+  const int last = doc.score.Tracks.empty() ? 0 : doc.score.GetLastBar(std::clamp<int>(doc.CursorTrack, 0, doc.score.LastTrack()));
+  play(doc, doc.CursorBar, last);
+}
+
+void Player::playFromStart(const Document& doc) {
+  play(doc, 0, static_cast<int>(doc.score.BarInfos.size()) - 1);
+}
+
+void Player::play(const Document& doc, int startBar, int endBar) {
+  tmrStop_->setEnabled(false);
+  snapshot_ = doc.score;
+  shown_ = &doc;
+  options_.CurrentTrack = doc.CursorTrack;
+  scheduler_->options = options_;
+  scheduler_->PlayTab(snapshot_, startBar, endBar);
+  if (scheduler_->playing()) emit playingChanged(true);
+  reportSilence();
+}
+
+void Player::stop() {
+  const bool was = scheduler_->playing();
+  scheduler_->StopTab();
+  if (!was) MIDIAllNotesOff(*out_);
+}
+
+bool Player::isPlaying() const { return scheduler_->playing(); }
+
+void Player::soundBeat(const Document& doc, int track, int bar, int beat) {
+  if (scheduler_->playing()) return;
+  PlayChord({*out_, options_.OutputBank}, doc.score, track, bar, beat, true, false);
+  // Let it sound about as long as the beat would, within reason.
+  double ms = 500;
+  try {
+    ms = GetNumOf64ths(doc.score.beat(track, bar, beat)) * IntervalForTempo(doc.score.Tempo);
+  } catch (const ScoreError&) {
+  }
+  tmrStop_->setInterval(static_cast<int32_t>(std::clamp(ms, 250.0, 2000.0)));
+  tmrStop_->setEnabled(true);
+  reportSilence();
+}
+
+void Player::soundChordDiagram(const Track& track, const BeatChord& chord) {
+  if (scheduler_->playing()) return;
+  MIDIAllNotesOff(*out_);
+  PlayChordDiagram({*out_, options_.OutputBank}, track, chord);
+  tmrStop_->setInterval(1500);
+  tmrStop_->setEnabled(true);
+  reportSilence();
+}
+
+}  // namespace plectaro

@@ -1,0 +1,98 @@
+// The window's handle on playback: open the output device, play the document (a bar, from
+// the cursor, from the start), stop, follow the play marker, and sound what the user types.
+//
+// The Player owns the output devices, the real clock and the scheduler. It plays a snapshot
+// of the Score taken at the start (copies share bars, so this is cheap), so nothing the
+// window does while playing can pull the score from under the scheduler.
+//
+// Wiring in the main window:
+//   Play bar / Play from here / Play from start  ->  playBar(doc), playFromHere(doc), playFromStart(doc)
+//   Stop                                         ->  stop()
+//   playMarkerMoved(x, y, visible)               ->  move a small marker widget over the page
+//   followBar(bar)                               ->  scroll the page so that the bar is shown
+//   playingChanged(bool)                         ->  disable menus and scroll bars while playing
+//   noSound(text)                                ->  say once, in the status bar, why nothing sounds
+//   a key that wrote a note                      ->  soundBeat(doc, track, bar, beat)
+//   clicking a chord chart                       ->  soundChordDiagram(track, chord)
+#pragma once
+
+#include <QObject>
+#include <QString>
+
+#include <memory>
+#include <vector>
+
+#include "playback/midi_out.h"
+#include "playback/scheduler.h"
+#include "score/document.h"
+#include "score/settings_store.h"
+
+namespace plectaro {
+
+class OutputDevices;
+class QtPlaybackClock;
+
+// Where the play marker stands on the page, in page pixels, for a beat of a laid-out bar.
+struct PlayMarkerPos {
+  int Left = 0;
+  int Top = 0;
+  bool Known = false;  // false when the bar has not been laid out
+};
+PlayMarkerPos PlayMarkerPosition(const Document& doc, int track, int bar, int beat);
+
+class Player : public QObject {
+  Q_OBJECT
+
+ public:
+  // `settings` may name a SoundFont (section "Playback", key "SoundFont"); it may be null.
+  explicit Player(const SettingsStore* settings, QObject* parent = nullptr);
+  // An output of one's own (a recorder in tests) instead of the machine's devices.
+  Player(MidiOut& out, PlaybackClock& clock, QObject* parent = nullptr);
+  ~Player() override;
+
+  // The sound start-up: list the devices, open the one at list row `outputDeviceId` (the
+  // built-in synthesizer if that row does not exist), and set the nylon guitar on channel 0.
+  // Loading the SoundFont takes about half a second: call it once the window is up.
+  void LoadMIDI(int outputDeviceId, int16_t outputBank);
+  std::vector<MidiDeviceInfo> devices();
+  // Opens the device of a list row at once, so the user hears the change.
+  bool openDeviceRow(int row);
+
+  void playBar(const Document& doc);
+  void playFromHere(const Document& doc);
+  void playFromStart(const Document& doc);
+  void play(const Document& doc, int startBar, int endBar);
+  void stop();
+  bool isPlaying() const;
+
+  // Play as typed: sounds beat (track, bar, beat) and silences it again shortly after.
+  void soundBeat(const Document& doc, int track, int bar, int beat);
+  void soundChordDiagram(const Track& track, const BeatChord& chord);
+
+  // Follow playback, count-in, metronome, output bank. Read at each start.
+  PlaybackOptions& options() { return options_; }
+  MidiOut& midi() { return *out_; }
+
+ signals:
+  void playMarkerMoved(int left, int top, bool visible);
+  void playPositionChanged(int bar, int beat, bool visible);
+  void followBar(int bar);
+  void playingChanged(bool playing);
+  void noSound(const QString& why);
+
+ private:
+  void wire();
+  void reportSilence();
+
+  std::unique_ptr<OutputDevices> devices_;
+  std::unique_ptr<QtPlaybackClock> ownClock_;
+  MidiOut* out_;
+  std::unique_ptr<Scheduler> scheduler_;
+  std::unique_ptr<HiPreTimer> tmrStop_;
+  PlaybackOptions options_;
+  Score snapshot_;
+  const Document* shown_ = nullptr;  // for marker geometry; only read while playing
+  std::vector<MidiDeviceInfo> list_;
+};
+
+}  // namespace plectaro
