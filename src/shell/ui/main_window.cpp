@@ -318,7 +318,7 @@ void MainWindow::buildToolbars() {
   for (int i = 0; i < kToolbarCount; ++i) {
     auto* tb = new QToolBar(this);
     tb->setObjectName(QString("tb%1").arg(i));
-    tb->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    tb->setToolButtonStyle(Qt::ToolButtonIconOnly);
     for (const char* n : kToolbarItems[static_cast<size_t>(i)])
       if (QAction* a = action(n)) tb->addAction(a);
     addToolBar(Qt::TopToolBarArea, tb);
