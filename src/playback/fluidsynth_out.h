@@ -29,7 +29,7 @@ class FluidSynthOut : public MidiOut {
     std::string SoundFont;
     bool Live = true;          // open an audio driver; false: render() pulls the samples
     double SampleRate = 44100;
-    double Gain = 0.4;         // leaves headroom for a full band playing at once
+    double Gain = 0.3;         // leaves headroom for a full band playing at once
   };
 
   explicit FluidSynthOut(Config config);

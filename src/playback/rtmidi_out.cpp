@@ -1,6 +1,10 @@
 #include "playback/rtmidi_out.h"
 
+#include <alsa/asoundlib.h>
 #include <rtmidi/RtMidi.h>
+
+#include <iostream>
+#include <sstream>
 
 namespace plectaro {
 
@@ -9,6 +13,24 @@ namespace {
 void quietErrors(RtMidiError::Type, const std::string& text, void* data) {
   if (data) *static_cast<std::string*>(data) = text;
 }
+// alsa-lib prints its own complaints to stderr; the reason reaches the user once, through
+// the notice, instead.
+void silentAlsa(const char*, int, const char*, int, const char*, ...) {}
+
+// RtMidi prints the error of a failed construction before it throws; we keep the text in
+// the exception and the stream quiet.
+class QuietCerr {
+ public:
+  QuietCerr() : old_(std::cerr.rdbuf(sink_.rdbuf())) {}
+  ~QuietCerr() { std::cerr.rdbuf(old_); }
+  QuietCerr(const QuietCerr&) = delete;
+  QuietCerr& operator=(const QuietCerr&) = delete;
+
+ private:
+  std::ostringstream sink_;
+  std::streambuf* old_;
+};
+
 }  // namespace
 
 SequencerPortOut::SequencerPortOut() { message_.reserve(3); }
@@ -26,6 +48,8 @@ bool SequencerPortOut::ensureClient() {
   if (midi_) return true;
   if (tried_) return false;
   tried_ = true;
+  snd_lib_error_set_handler(silentAlsa);
+  QuietCerr quiet;
   try {
     midi_ = std::make_unique<::RtMidiOut>(RtMidi::LINUX_ALSA, "Plectaro");
     midi_->setErrorCallback(quietErrors, &failure_);

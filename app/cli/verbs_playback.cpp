@@ -1,0 +1,119 @@
+// The `play` verb: a song through an output device in real time, its message trace, or the
+// list of output devices. Bars and tracks are numbered from 1, as the other verbs show them.
+#include <QCoreApplication>
+#include <QTimer>
+
+#include <atomic>
+#include <csignal>
+#include <iostream>
+
+#include "cli.h"
+#include "playback/fluidsynth_out.h"
+#include "playback/offline_play.h"
+#include "playback/output_devices.h"
+#include "playback/qt/qt_clock.h"
+#include "playback/scheduler.h"
+
+namespace plectaro::cli {
+
+namespace {
+
+std::atomic<bool> gInterrupted{false};
+
+void onInterrupt(int) { gInterrupted = true; }
+
+// Keeps only one track, for --track: the scheduler then plays it alone.
+Score soloTrack(const Score& s, int track) {
+  Score solo = s;
+  solo.Tracks = {s.Tracks[static_cast<size_t>(track)]};
+  return solo;
+}
+
+int listDevices(Context& ctx) {
+  OutputDevices devices(FindSoundFont(&ctx.settings));
+  const auto list = MIDIListDevices(devices);
+  for (size_t row = 0; row < list.size(); ++row) ctx.out << row << " " << list[row].Name << "\n";
+  return 0;
+}
+
+// Plays in real time on Qt's event loop until the song ends or Ctrl+C, which stops it the
+// same way the Stop command does, so a hardware synthesizer keeps no hanging notes.
+int playLive(Context& ctx, const Score& score, int from, int to, int deviceRow, const PlaybackOptions& options) {
+  std::unique_ptr<QCoreApplication> ownApp;
+  if (!QCoreApplication::instance()) {
+    static int argc = 1;
+    static char name[] = "plectaro-cli";
+    static char* argv[] = {name, nullptr};
+    ownApp = std::make_unique<QCoreApplication>(argc, argv);
+  }
+  OutputDevices devices(FindSoundFont(&ctx.settings));
+  const auto list = MIDIListDevices(devices);
+  if (deviceRow < 0 || static_cast<size_t>(deviceRow) >= list.size())
+    throw UsageError("--device takes a row of play --list-devices (0 to " + std::to_string(list.size() - 1) + ")");
+  MIDIOpen(devices, list[static_cast<size_t>(deviceRow)].ItemData);
+  if (std::string why = devices.takeNotice(); !why.empty()) ctx.err << "plectaro-cli: " << why << "\n";
+
+  QtPlaybackClock clock;
+  Scheduler scheduler(devices, clock);
+  scheduler.options = options;
+  QEventLoop loop;
+  scheduler.hooks.stopped = [&loop] { QTimer::singleShot(0, &loop, &QEventLoop::quit); };
+  QTimer watch;
+  QObject::connect(&watch, &QTimer::timeout, [&] {
+    if (gInterrupted) scheduler.StopTab();
+  });
+  watch.start(50);
+  gInterrupted = false;
+  auto oldHandler = std::signal(SIGINT, onInterrupt);
+  scheduler.PlayTab(score, from, to);
+  if (scheduler.playing()) loop.exec();
+  std::signal(SIGINT, oldHandler);
+  MIDIClose(devices);
+  return gInterrupted ? 130 : 0;
+}
+
+int runPlay(Context& ctx, const Args& args) {
+  if (args.has("--list-devices")) {
+    args.expectPositional(0, 0);
+    return listDevices(ctx);
+  }
+  args.expectPositional(1, 1);
+  Document doc = LoadDocument(ctx, args.at(0));
+  Score& score = doc.score;
+  const int bars = static_cast<int>(score.BarInfos.size());
+  const int from = args.intValue("--from", 1);
+  const int to = args.intValue("--to", bars);
+  if (from < 1 || from > bars) throw InputError("--from " + std::to_string(from) + ": the song has bars 1 to " + std::to_string(bars));
+  if (to < from || to > bars) throw InputError("--to " + std::to_string(to) + ": choose a bar from " + std::to_string(from) + " to " + std::to_string(bars));
+  if (args.has("--track")) {
+    const int track = args.intValue("--track", 1);
+    if (track < 1 || track > score.LastTrack() + 1)
+      throw InputError("--track " + std::to_string(track) + ": the song has tracks 1 to " + std::to_string(score.LastTrack() + 1));
+    score = soloTrack(score, track - 1);
+  }
+  PlaybackOptions options;
+  options.FollowPlayback = false;
+  options.CountIn = args.has("--count-in");
+  options.Metronome = args.has("--metronome");
+
+  if (args.has("--trace")) {
+    try {
+      TraceSong(score, from - 1, to - 1, options, [&ctx](const MidiMessage& m) { ctx.out << FormatTraceLine(m) << "\n"; });
+    } catch (const ScoreError& e) {
+      throw InputError(e.what());
+    }
+    return 0;
+  }
+  return playLive(ctx, score, from - 1, to - 1, args.intValue("--device", 0), options);
+}
+
+const Registrar verbPlay(Verb{
+    "play",
+    "play FILE [--from BAR] [--to BAR] [--track N] [--device N] [--count-in] [--metronome] [--trace] | play --list-devices",
+    {"--from", "--to", "--track", "--device"},
+    {"--trace", "--list-devices", "--count-in", "--metronome"},
+    runPlay});
+
+}  // namespace
+
+}  // namespace plectaro::cli
