@@ -1,6 +1,6 @@
 #include "shell/ini_settings.h"
 
-#include <charconv>
+#include <algorithm>
 #include <variant>
 
 #include "score/file_io.h"
@@ -208,6 +208,13 @@ IniSettings LoadINISettingsText(std::string_view text) {
   for (const Field& f : kSpacingFields) readField(f);
   for (int i = 0; i < kRecentFileCount; ++i)
     if (auto l = next()) s.RecentFiles[i] = std::string(Trim(*l));
+  // The file may have been edited by hand. Values that size memory or the page are held to a
+  // range the program can work with; the rest are taken as they stand.
+  s.UndoLevels = std::clamp(s.UndoLevels, 0, 100);
+  s.MinTabX = std::clamp(s.MinTabX, 1, 1000);
+  s.MaxTabX = std::clamp(s.MaxTabX, 1, 1000);
+  s.MaxLineLength = std::clamp(s.MaxLineLength, 1, 100000);
+  s.VibratoCount = std::clamp(s.VibratoCount, 0, 1000);
   return s;
 }
 

@@ -1,0 +1,106 @@
+#include "shell/session.h"
+
+#include <gtest/gtest.h>
+
+#include "score/file_io.h"
+#include "score/new_score.h"
+#include "test_folder.h"
+
+namespace plectaro {
+namespace {
+
+std::vector<std::filesystem::path> seeds() { return {testing::SourceData()}; }
+
+TEST(CommandLine, OptionsFilesAndAddresses) {
+  struct Case {
+    std::vector<std::string> args;
+    std::string home, file, web, error;
+    bool time;
+  };
+  const Case cases[] = {
+      {{}, "", "", "", "", false},
+      {{"--home", "/h", "song.plm"}, "/h", "song.plm", "", "", false},
+      {{"--home=/h", "--print-startup-time"}, "/h", "", "", "", true},
+      {{"My Song.plm"}, "", "My Song.plm", "", "", false},
+      {{"file:///tmp/a.plm"}, "", "/tmp/a.plm", "", "", false},
+      {{"HTTP://tabs.example/x"}, "", "", "HTTP://tabs.example/x", "", false},
+      {{"--home"}, "", "", "", "--home needs a folder", false},
+      {{"--frobnicate"}, "", "", "", "unknown option --frobnicate", false},
+  };
+  for (const Case& c : cases) {
+    const CommandLine cmd = ParseCommandLine(c.args);
+    EXPECT_EQ(cmd.home, c.home);
+    EXPECT_EQ(cmd.file, c.file);
+    EXPECT_EQ(cmd.webAddress, c.web);
+    EXPECT_EQ(cmd.error, c.error);
+    EXPECT_EQ(cmd.printStartupTime, c.time);
+  }
+}
+
+TEST(Session, FirstRunWritesTheSettingsAndALaterRunReadsThem) {
+  testing::TempFolder home;
+  ScriptedPrompter prompter;
+  const AppFolder folder = ResolveAppFolder(home.path().string());
+  {
+    Session s(folder, prompter);
+    EXPECT_TRUE(s.start({}, seeds()));
+    EXPECT_TRUE(s.firstRun());
+    EXPECT_TRUE(std::filesystem::exists(folder.iniFile()));
+    EXPECT_EQ(ReadWholeFile(s.languageFile()),
+              ReadWholeFile(testing::SourceData() / "Languages" / "English.txt"));
+    EXPECT_EQ(s.settings().GetSetting(kDefaultInfoSection, "GFONTSIZE"), "19");
+    // The first document follows the first-run defaults and has nothing to lose.
+    EXPECT_EQ(s.doc().score.HeaderFont.Size, 19);
+    EXPECT_EQ(s.doc().score.Title, "Untitled");
+    EXPECT_FALSE(s.files().hasUnsavedWork());
+    s.ini().UndoLevels = 7;
+    s.ini().ToolbarVisible[5] = false;
+    s.settings().SaveSetting(kDefaultInfoSection, "3", "Me");
+    s.shutdown();
+  }
+  {
+    Session s(folder, prompter);
+    EXPECT_TRUE(s.start({}, seeds()));
+    EXPECT_FALSE(s.firstRun());
+    EXPECT_EQ(s.ini().UndoLevels, 7);
+    EXPECT_FALSE(s.ini().ToolbarVisible[5]);
+    EXPECT_EQ(s.doc().score.Author, "Me");
+  }
+  EXPECT_TRUE(prompter.asked().empty());
+}
+
+TEST(Session, OpensTheCommandLineFileAndSwitchesLanguage) {
+  testing::TempFolder home;
+  ScriptedPrompter prompter;
+  Session s(ResolveAppFolder(home.path().string()), prompter);
+  CommandLine cmd;
+  cmd.file = (testing::SourceData() / "examples" / "riff.plm").string();
+  ASSERT_TRUE(s.start(cmd, seeds()));
+  EXPECT_NE(s.doc().score.Title, "Untitled");
+  EXPECT_EQ(s.ini().RecentFiles[0], cmd.file);
+
+  // A second language beside English; choosing it replaces the file in force.
+  std::string german = ReadWholeFile(s.folder().data() / "Languages" / "English.txt");
+  german.replace(german.find("Plectaro 4 Language File"), 24, "Plectaro 4 Sprachdatei   ");
+  WriteFileAtomically(s.folder().data() / "Languages" / "Deutsch.txt", german);
+  EXPECT_EQ(s.languages(), (std::vector<std::string>{"Deutsch", "English"}));
+  EXPECT_TRUE(s.chooseLanguage("Deutsch"));
+  EXPECT_EQ(ReadWholeFile(s.languageFile()), german);
+  EXPECT_FALSE(s.chooseLanguage("Klingon"));
+  EXPECT_EQ(prompter.asked().size(), 1u);
+  EXPECT_EQ(ReadWholeFile(s.languageFile()), german);
+}
+
+TEST(Session, ADamagedSettingsFileStartsWithWhatItCanRead) {
+  testing::TempFolder home;
+  ScriptedPrompter prompter;
+  const AppFolder folder = ResolveAppFolder(home.path().string());
+  WriteFileAtomically(folder.iniFile(), std::string("Plectaro 4 INI File\r\n\x01\x02garbage", 31));
+  Session s(folder, prompter);
+  EXPECT_TRUE(s.start({}, seeds()));
+  EXPECT_FALSE(s.firstRun());
+  EXPECT_EQ(s.ini(), IniSettings());
+}
+
+}  // namespace
+}  // namespace plectaro
