@@ -127,6 +127,8 @@ QAction* MainWindow::item(QMenu* menu, const char* name, std::function<void()> f
   return a;
 }
 
+// Shortcuts are spelled out rather than taken from the platform's standard keys, so they are
+// the same on every desktop and match what the menus show.
 void MainWindow::buildMenus() {
   FileCommands& files = session_.files();
   auto indexed = [this](QMenu* parent, const char* name, int count) {
@@ -141,8 +143,8 @@ void MainWindow::buildMenus() {
   };
 
   QMenu* file = menu(nullptr, "mnuFile");
-  item(file, "mnuFileNew", [&files] { files.mnuFileNew_Click(); }, QKeySequence::New);
-  item(file, "mnuFileOpen", [&files] { files.mnuFileOpen_Click(); }, QKeySequence::Open);
+  item(file, "mnuFileNew", [&files] { files.mnuFileNew_Click(); }, QKeySequence(Qt::CTRL | Qt::Key_N));
+  item(file, "mnuFileOpen", [&files] { files.mnuFileOpen_Click(); }, QKeySequence(Qt::CTRL | Qt::Key_O));
   QMenu* recent = menu(file, "mnuFileOpenRecent");
   for (int i = 0; i < kRecentFileCount; ++i) {
     recent_[static_cast<size_t>(i)] = item(
@@ -150,7 +152,7 @@ void MainWindow::buildMenus() {
         [&files, i] { files.mnuFileOpenRecentItem_Click(i); });
   }
   file->addSeparator();
-  item(file, "mnuFileSave", [&files] { files.mnuFileSave_Click(); }, QKeySequence::Save);
+  item(file, "mnuFileSave", [&files] { files.mnuFileSave_Click(); }, QKeySequence(Qt::CTRL | Qt::Key_S));
   item(file, "mnuFileSaveAs", [&files] { files.mnuFileSaveAs_Click(); },
        QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S));
   file->addSeparator();
@@ -165,22 +167,22 @@ void MainWindow::buildMenus() {
   file->addSeparator();
   item(file, "mnuFilePageSetup");
   item(file, "mnuFilePrintPreview");
-  item(file, "mnuFilePrint", nullptr, QKeySequence::Print);
+  item(file, "mnuFilePrint", nullptr, QKeySequence(Qt::CTRL | Qt::Key_P));
   file->addSeparator();
   item(file, "mnuFileUpload");
   item(file, "mnuFileProperties", [this] { mnuFileProperties_Click(); },
        QKeySequence(Qt::ALT | Qt::Key_Return));
   file->addSeparator();
-  item(file, "mnuFileExit", [this] { close(); }, QKeySequence::Quit);
+  item(file, "mnuFileExit", [this] { close(); }, QKeySequence(Qt::CTRL | Qt::Key_Q));
 
   QMenu* edit = menu(nullptr, "mnuEdit");
-  item(edit, "mnuEditUndo", nullptr, QKeySequence::Undo);
+  item(edit, "mnuEditUndo", nullptr, QKeySequence(Qt::CTRL | Qt::Key_Z));
   edit->addSeparator();
-  item(edit, "mnuEditCut", nullptr, QKeySequence::Cut);
-  item(edit, "mnuEditCopy", nullptr, QKeySequence::Copy);
-  item(edit, "mnuEditPaste", nullptr, QKeySequence::Paste);
+  item(edit, "mnuEditCut", nullptr, QKeySequence(Qt::CTRL | Qt::Key_X));
+  item(edit, "mnuEditCopy", nullptr, QKeySequence(Qt::CTRL | Qt::Key_C));
+  item(edit, "mnuEditPaste", nullptr, QKeySequence(Qt::CTRL | Qt::Key_V));
   edit->addSeparator();
-  item(edit, "mnuEditFindReplace", nullptr, QKeySequence::Find);
+  item(edit, "mnuEditFindReplace", nullptr, QKeySequence(Qt::CTRL | Qt::Key_F));
 
   QMenu* viewMenu = menu(nullptr, "mnuView");
   menu(viewMenu, "mnuViewToolbars");  // filled with the toolbars' own toggles
@@ -288,8 +290,7 @@ void MainWindow::buildMenus() {
         "mnuToolsBandManager", "mnuToolsMusicPaper", "mnuToolsGlossary", "mnuToolsWebsites"})
     item(tools, n);
   tools->addSeparator();
-  item(tools, "mnuToolsOptions", [this] { mnuToolsOptions_Click(); },
-       QKeySequence::Preferences);
+  item(tools, "mnuToolsOptions", [this] { mnuToolsOptions_Click(); });
 
   QMenu* help = menu(nullptr, "mnuHelp");
   item(help, "mnuHelpAbout", [this] {

@@ -1,0 +1,290 @@
+// The main window and its dialogs driven through their widgets, on the offscreen platform, with
+// scripted answers to every question.
+#include <gtest/gtest.h>
+
+#include <QAction>
+#include <QApplication>
+#include <QCheckBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QMenuBar>
+#include <QPushButton>
+#include <QScrollBar>
+#include <QSet>
+#include <QTabWidget>
+#include <QTest>
+#include <QTimer>
+#include <functional>
+#include <QToolBar>
+#include <memory>
+
+#include "../shell/test_folder.h"
+#include "score/file_io.h"
+#include "score/new_score.h"
+#include "shell/session.h"
+#include "shell/ui/document_view.h"
+#include "shell/ui/file_properties_dialog.h"
+#include "shell/ui/main_window.h"
+#include "shell/ui/options_dialog.h"
+
+namespace plectaro {
+namespace {
+
+class MainWindowTest : public ::testing::Test {
+ protected:
+  static void SetUpTestSuite() {
+    static int argc = 1;
+    static char name[] = "gui_tests";
+    static char* argv[] = {name, nullptr};
+    if (!QApplication::instance()) new QApplication(argc, argv);
+  }
+
+  testing::TempFolder home;
+  ScriptedPrompter prompter;
+  std::unique_ptr<Session> session;
+  std::unique_ptr<MainWindow> window;
+
+  void start(const std::string& file = "") {
+    window.reset();
+    session = std::make_unique<Session>(ResolveAppFolder(home.path().string()), prompter);
+    CommandLine cmd;
+    cmd.file = file;
+    session->start(cmd, {testing::SourceData()});
+    window = std::make_unique<MainWindow>(*session);
+    window->restoreToolbars();
+    window->show();
+    window->DrawDocument();
+    QCoreApplication::processEvents();
+  }
+  std::string demo() const { return (testing::SourceData() / "examples" / "riff.plm").string(); }
+  std::string path(const char* n) const { return (home / n).string(); }
+  QAction* act(const char* name) const {
+    QAction* a = window->action(name);
+    EXPECT_NE(a, nullptr) << name;
+    return a;
+  }
+  // Runs `fn` on the next modal dialog that opens, then lets it close.
+  template <class Dialog>
+  static void whenModal(std::function<void(Dialog*)> fn) {
+    QTimer::singleShot(0, [fn] {
+      auto* dlg = qobject_cast<Dialog*>(QApplication::activeModalWidget());
+      ASSERT_NE(dlg, nullptr);
+      fn(dlg);
+      if (dlg->isVisible()) dlg->reject();
+    });
+  }
+  template <class T>
+  static T* child(QObject* parent, const char* name) {
+    T* w = parent->findChild<T*>(name);
+    EXPECT_NE(w, nullptr) << name;
+    return w;
+  }
+};
+
+TEST_F(MainWindowTest, MenusCarryTheirCaptionsStateAndStandardShortcuts) {
+  start();
+  QStringList titles;
+  for (QAction* a : window->menuBar()->actions()) titles << a->text();
+  EXPECT_EQ(titles, (QStringList{"&File", "&Edit", "&View", "&Note", "&Beat", "B&ar", "&Track",
+                                 "&Operations", "&Sound", "&Go", "T&ools", "&Help"}));
+  struct Item {
+    const char* name;
+    QKeySequence keys;
+    bool enabled;
+  };
+  const Item items[] = {
+      {"mnuFileNew", QKeySequence(Qt::CTRL | Qt::Key_N), true},
+      {"mnuFileOpen", QKeySequence(Qt::CTRL | Qt::Key_O), true},
+      {"mnuFileSave", QKeySequence(Qt::CTRL | Qt::Key_S), true},
+      {"mnuFileSaveAs", QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S), true},
+      {"mnuFileProperties", QKeySequence(Qt::ALT | Qt::Key_Return), true},
+      {"mnuFilePrint", QKeySequence(Qt::CTRL | Qt::Key_P), false},
+      {"mnuFileExit", QKeySequence(Qt::CTRL | Qt::Key_Q), true},
+      {"mnuEditUndo", QKeySequence(Qt::CTRL | Qt::Key_Z), false},
+      {"mnuEditFindReplace", QKeySequence(Qt::CTRL | Qt::Key_F), false},
+      {"mnuSoundPlayFromStart", QKeySequence(Qt::Key_F5), false},
+      {"mnuSoundPlayFromHere", QKeySequence(Qt::Key_F6), false},
+      {"mnuSoundPlayBar", QKeySequence(Qt::Key_F7), false},
+      {"mnuBarNext", QKeySequence(Qt::CTRL | Qt::Key_Right), true},
+      {"mnuToolsOptions", QKeySequence(), true},
+      {"mnuNoteEffectsTechniques7", QKeySequence(), false},
+      {"mnuChordXTuplets8", QKeySequence(), false},
+  };
+  for (const Item& i : items) {
+    QAction* a = act(i.name);
+    if (!a) continue;
+    if (!i.keys.isEmpty()) {
+      EXPECT_EQ(a->shortcut(), i.keys) << i.name;
+    }
+    EXPECT_EQ(a->isEnabled(), i.enabled) << i.name;
+  }
+  EXPECT_EQ(act("mnuNoteEffectsTechniques7")->text(), "Slide Into Down");
+  EXPECT_EQ(act("mnuChordXTuplets0")->text(), "3 (Triplet)");
+  // No key may stand for two commands.
+  QSet<QString> seen;
+  for (QAction* a : window->findChildren<QAction*>()) {
+    if (a->shortcut().isEmpty()) continue;
+    const QString k = a->shortcut().toString();
+    EXPECT_FALSE(seen.contains(k)) << k.toStdString() << " twice";
+    seen.insert(k);
+  }
+}
+
+TEST_F(MainWindowTest, PropertiesTitleSurvivesSaveAsAndReopen) {
+  start(demo());
+  EXPECT_TRUE(window->windowTitle().contains("riff.plm"));
+  whenModal<FilePropertiesDialog>([this](FilePropertiesDialog* dlg) {
+    QLineEdit* title = child<QLineEdit>(dlg->tabs()->widget(0), "txtTitle");
+    EXPECT_EQ(title->text().toStdString(), session->doc().score.Title);
+    title->setText("Gravel Road, take two");
+    child<QPushButton>(dlg, "cmdOK")->click();
+  });
+  act("mnuFileProperties")->trigger();
+  EXPECT_TRUE(session->doc().ScoreChanged);
+  EXPECT_TRUE(window->windowTitle().endsWith(" *"));
+
+  prompter.pushText(path("take2.plm"));
+  act("mnuFileSaveAs")->trigger();
+  EXPECT_TRUE(window->windowTitle().contains("take2.plm"));
+  EXPECT_FALSE(window->windowTitle().endsWith(" *"));
+
+  act("mnuFileNew")->trigger();  // nothing to lose: no question
+  EXPECT_EQ(session->doc().score.Title, "Untitled");
+  prompter.pushText(path("take2.plm"));
+  act("mnuFileOpen")->trigger();
+  EXPECT_EQ(session->doc().score.Title, "Gravel Road, take two");
+  // The recent-file menu shows the file at the top.
+  EXPECT_EQ(act("mnuFileOpenRecentItem0")->text().toStdString(), "- 1 " + path("take2.plm"));
+  EXPECT_TRUE(act("mnuFileOpenRecentItem0")->isVisible());
+  EXPECT_EQ(prompter.pending(), 0u);
+}
+
+TEST_F(MainWindowTest, ClosingAsksAndCancelKeepsTheDocument) {
+  start(demo());
+  session->doc().score.Title = "Unsaved edit";
+  session->doc().touched();
+  prompter.push(Answer::Cancel);
+  EXPECT_FALSE(window->close());
+  EXPECT_EQ(session->doc().score.Title, "Unsaved edit");
+  EXPECT_EQ(prompter.asked().back().text, "Would you like to save the changes to 'riff.plm' ?");
+
+  // No lets the window go; the settings file is written on the way out.
+  std::filesystem::remove(session->folder().iniFile());
+  prompter.push(Answer::No);
+  EXPECT_TRUE(window->close());
+  EXPECT_TRUE(std::filesystem::exists(session->folder().iniFile()));
+}
+
+TEST_F(MainWindowTest, ProtectedFileAsksForThePasswordBeforeTheFirstEdit) {
+  start();
+  session->doc().score.PasswordProtected = true;
+  session->doc().score.Password = "open sesame";
+  ASSERT_TRUE(session->files().ForceSaveFile(path("locked.plm")));
+  prompter.pushText(path("locked.plm"));
+  act("mnuFileOpen")->trigger();
+  ASSERT_EQ(session->doc().score.Password, "open sesame");
+
+  auto editTitle = [&](const char* t) {
+    FilePropertiesDialog dlg(*session, window.get());
+    child<QLineEdit>(dlg.tabs()->widget(0), "txtTitle")->setText(t);
+    return dlg.apply();
+  };
+  prompter.pushText(std::optional<std::string>("wrong"));
+  EXPECT_FALSE(editTitle("Changed"));
+  EXPECT_EQ(session->doc().score.Title, "Untitled");
+  EXPECT_EQ(prompter.asked().back().text, "Wrong password: this document may not be edited.");
+  prompter.pushText(std::optional<std::string>("open sesame"));
+  EXPECT_TRUE(editTitle("Changed"));
+  EXPECT_EQ(session->doc().score.Title, "Changed");
+  EXPECT_TRUE(editTitle("Changed again"));  // asked once per opening
+  EXPECT_EQ(prompter.pending(), 0u);
+}
+
+TEST_F(MainWindowTest, RenamedPictureGivesTheWrongFileMessageAndANewScore) {
+  start(demo());
+  const std::string png("\x89PNG\r\n\x1a\n\0\0\0\rIHDR\0\0\0\x10", 20);
+  WriteFileAtomically(home / "holiday.plm", png);
+  prompter.pushText(path("holiday.plm"));
+  act("mnuFileOpen")->trigger();
+  ASSERT_FALSE(prompter.asked().empty());
+  EXPECT_EQ(prompter.asked().back().kind, "message");
+  EXPECT_EQ(prompter.asked().back().text.rfind("This is not a Plectaro music file", 0), 0u);
+  EXPECT_EQ(session->doc().score.Title, "Untitled");
+  EXPECT_TRUE(window->windowTitle().contains("Unsaved.plm"));
+}
+
+TEST_F(MainWindowTest, OptionsPagesInOrderAndSettingsSurviveARestart) {
+  start();
+  whenModal<OptionsDialog>([](OptionsDialog* dlgp) {
+    OptionsDialog& dlg = *dlgp;
+    QStringList pages;
+    for (int i = 0; i < dlg.tabs()->count(); ++i) pages << dlg.tabs()->tabText(i);
+    EXPECT_EQ(pages, (QStringList{"Drawing Options", "Miscellaneous", "Editing", "File Handling",
+                                  "Languages", "Effects Settings", "Device Options",
+                                  "Playback Options", "Scale Manager", "Chord Manager",
+                                  "Fretboard Knowledge Trainer", "Pitch Perfector",
+                                  "Guitar Lessons", "Band Manager"}));
+    QCheckBox* stretch = child<QCheckBox>(&dlg, "chkAutoStretch");
+    EXPECT_EQ(stretch->text(), "Automatically Stretch Page to fit Window");
+    stretch->setChecked(!stretch->isChecked());
+    child<QCheckBox>(&dlg, "chkCountIn")->setChecked(false);
+    child<QPushButton>(&dlg, "cmdOK")->click();
+  });
+  act("mnuToolsOptions")->trigger();
+  EXPECT_TRUE(session->ini().AutoPageStretch);
+  window->toolbar(5)->hide();
+  ASSERT_TRUE(window->close());
+
+  start();
+  EXPECT_TRUE(session->ini().AutoPageStretch);
+  EXPECT_FALSE(session->ini().CountIn);
+  EXPECT_FALSE(session->ini().ToolbarVisible[5]);
+  EXPECT_TRUE(window->toolbar(5)->isHidden());
+  EXPECT_FALSE(window->toolbar(0)->isHidden());
+}
+
+TEST_F(MainWindowTest, NewDocumentDefaultsComeFromTheSecondPage) {
+  start();
+  {
+    FilePropertiesDialog dlg(*session, window.get());
+    QWidget* defaults = dlg.tabs()->widget(1);
+    EXPECT_EQ(dlg.tabs()->tabText(1), "New Documents");
+    EXPECT_EQ(defaults->findChild<QLineEdit*>("dtxtTitle"), nullptr);
+    child<QLineEdit>(defaults, "dtxtAuthor")->setText("J. Picker");
+    child<QPushButton>(&dlg, "cmdOK")->click();
+  }
+  EXPECT_EQ(session->settings().GetSetting(kDefaultInfoSection, "3"), "J. Picker");
+  EXPECT_EQ(session->doc().score.Author, "");  // the open document is not the defaults
+  act("mnuFileNew")->trigger();
+  EXPECT_EQ(session->doc().score.Author, "J. Picker");
+}
+
+TEST_F(MainWindowTest, TheLanguageFileInForceNamesTheMenus) {
+  start();
+  ASSERT_TRUE(window->close());
+  std::string text = ReadWholeFile(session->languageFile());
+  text.replace(text.find("\r\n&File\r\n"), 9, "\r\n&Datei\r\n");
+  WriteFileAtomically(session->languageFile(), text);
+  start();
+  EXPECT_EQ(window->menuBar()->actions().first()->text(), "&Datei");
+}
+
+TEST_F(MainWindowTest, TheViewPaintsTheSongWithScrollRangesAndStatus) {
+  start(demo());
+  window->resize(900, 600);
+  QCoreApplication::processEvents();
+  window->view()->viewport()->repaint();
+  QLabel* pages = child<QLabel>(window.get(), "sbPagesPanel");
+  QLabel* timing = child<QLabel>(window.get(), "sbTimingPanel");
+  EXPECT_TRUE(pages->text().startsWith("Pages:"));
+  EXPECT_TRUE(timing->text().contains("64ths"));
+  // A page is higher than the window: there is somewhere to scroll to.
+  EXPECT_GT(window->view()->verticalScrollBar()->maximum(), 0);
+  const int before = session->doc().CursorBar;
+  act("mnuBarNext")->trigger();
+  EXPECT_EQ(session->doc().CursorBar, before + 1);
+}
+
+}  // namespace
+}  // namespace plectaro
