@@ -35,7 +35,7 @@ class QtHiPreTimer : public HiPreTimer {
 
   void onTimeout() {
     if (!armed()) return;
-    if (due() - clock_.nowMs() > 0.02) {
+    if (due() > clock_.nowMs()) {
       schedule();
       return;
     }
