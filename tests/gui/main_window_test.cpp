@@ -28,6 +28,10 @@
 #include "shell/ui/main_window.h"
 #include "shell/ui/options_dialog.h"
 
+// Fontconfig keeps a cache for the life of the process that the leak checker would report;
+// leaks of our own code are still caught.
+extern "C" const char* __lsan_default_suppressions() { return "leak:libfontconfig\n"; }
+
 namespace plectaro {
 namespace {
 
