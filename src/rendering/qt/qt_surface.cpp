@@ -1,12 +1,14 @@
 #include "rendering/qt/qt_surface.h"
 
 #include <QBuffer>
+#include <QHash>
 #include <QFontMetricsF>
 #include <QImage>
 #include <QPainterPath>
 #include <QSvgGenerator>
 
 #include <cmath>
+#include <memory>
 
 #include "rendering/draw_document.h"
 #include "score/file_io.h"
@@ -44,12 +46,21 @@ QtSurface::QtSurface(QPainter& painter, double scale) : painter_(painter), scale
 
 QtSurface::~QtSurface() { painter_.restore(); }
 
-QFont QtSurface::qfont(const Font& font) {
+// Looking a face up and measuring it costs far more than drawing a number, and the editor
+// makes a new surface for every paint; so faces and their metrics are kept for the life of
+// the program, keyed by what the Score asks for.
+struct QtSurface::FontEntry {
+  QFont font;
+  QFontMetricsF metrics;
+};
+
+const QtSurface::FontEntry& QtSurface::entry(const Font& font) {
+  static QHash<QString, std::shared_ptr<FontEntry>> cache;
   const QString key = qstring(font.family) + QLatin1Char('|') + QString::number(font.size) +
                       QLatin1Char('|') + QString::number(font.bold) + QString::number(font.italic) +
                       QString::number(font.underline) + QString::number(font.strikeout);
-  auto it = fonts_.find(key);
-  if (it != fonts_.end()) return *it;
+  auto it = cache.find(key);
+  if (it != cache.end()) return **it;
   QFont f(qstring(MapFontFamily(font.family)));
   // Sizes are points of a 96.1644-unit inch; the painter works in page units.
   f.setPixelSize(std::max(1, static_cast<int>(std::lround(font.size * kUnitsPerPoint))));
@@ -58,9 +69,12 @@ QFont QtSurface::qfont(const Font& font) {
   f.setUnderline(font.underline);
   f.setStrikeOut(font.strikeout);
   f.setHintingPreference(QFont::PreferNoHinting);
-  fonts_.insert(key, f);
-  return f;
+  auto e = std::make_shared<FontEntry>(FontEntry{f, QFontMetricsF(f)});
+  cache.insert(key, e);
+  return *e;
 }
+
+QFont QtSurface::qfont(const Font& font) { return entry(font).font; }
 
 void QtSurface::drawLine(Point a, Point b, Color c, double width) {
   painter_.setPen(QPen(qcolor(c), width, Qt::SolidLine, Qt::FlatCap));
@@ -112,15 +126,14 @@ void QtSurface::strokePath(const Path& path, Color c, double width) {
 void QtSurface::fillPath(const Path& path, Color c) { painter_.fillPath(qpath(path), qcolor(c)); }
 
 void QtSurface::drawText(Point topLeft, std::string_view utf8, const Font& font, Color c) {
-  const QFont f = qfont(font);
-  painter_.setFont(f);
+  const FontEntry& e = entry(font);
+  painter_.setFont(e.font);
   painter_.setPen(qcolor(c));
-  const QFontMetricsF m(f);
-  painter_.drawText(QPointF(topLeft.x, topLeft.y + m.ascent()), qstring(utf8));
+  painter_.drawText(QPointF(topLeft.x, topLeft.y + e.metrics.ascent()), qstring(utf8));
 }
 
 TextMetrics QtSurface::measureText(std::string_view utf8, const Font& font) {
-  const QFontMetricsF m(qfont(font));
+  const QFontMetricsF& m = entry(font).metrics;
   return TextMetrics{m.horizontalAdvance(qstring(utf8)), m.ascent(), m.descent()};
 }
 

@@ -3,7 +3,6 @@
 #pragma once
 
 #include <QFont>
-#include <QHash>
 #include <QPainter>
 
 #include <filesystem>
@@ -39,9 +38,11 @@ class QtSurface : public Surface {
   QFont qfont(const Font& font);
 
  private:
+  struct FontEntry;
+  const FontEntry& entry(const Font& font);
+
   QPainter& painter_;
   double scale_;
-  QHash<QString, QFont> fonts_;
 };
 
 enum class PageImageKind { Png, Bmp, Svg };

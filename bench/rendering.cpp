@@ -1,0 +1,105 @@
+// The editor redraws the cursor's page on every key press: full relayout of the current track
+// plus the drawing of what is in sight. Measured on a recording surface (layout and drawing
+// logic alone) and on a QImage (what the window pays), for 100, 1000 and 5000 bars.
+#include <benchmark/benchmark.h>
+
+#include <QGuiApplication>
+#include <QImage>
+#include <QPainter>
+
+#include <cstdlib>
+#include <memory>
+
+#include "rendering/draw_document.h"
+#include "rendering/qt/qt_surface.h"
+#include "rendering/recording_surface.h"
+
+namespace plectaro {
+namespace {
+
+// A 6-string track with treble staff and tab, 8 eighth-note beats a bar, a note on every beat.
+Document makeSong(int bars) {
+  Document doc;
+  Track& t = doc.score.Tracks[0];
+  t.TrebleStaff = true;
+  doc.score.SetBarCount(bars - 1);
+  for (int b = 0; b < bars; ++b) {
+    doc.score.SetBeatCount(0, b, 7);
+    for (int k = 0; k < 8; ++k) {
+      Beat& beat = doc.score.beatMut(0, b, k);
+      beat.Length = kEighth;
+      beat.Notes[static_cast<size_t>(k % 6)].Fret = std::to_string((b + k) % 13);
+      if (k % 4 == 0) beat.Notes[5].Fret = "0";
+    }
+  }
+  doc.CursorBar = static_cast<int16_t>(bars / 2);
+  return doc;
+}
+
+// Scrolls the view so that the cursor's row is in sight, as the editor does.
+ViewState viewOnCursor(Document& doc) {
+  ViewState view;
+  view.PictureWidth = 900;
+  view.PictureHeight = 1000;
+  LayoutTrack(doc, 0, LayoutSettings{}, DrawTexts{});
+  const int32_t y = doc.Layout[0][static_cast<size_t>(doc.CursorBar)].DrawY;
+  view.VScroll = std::max(1, (y - 300) / 8);
+  return view;
+}
+
+void BM_RelayoutAndDrawRecording(benchmark::State& state) {
+  Document doc = makeSong(static_cast<int>(state.range(0)));
+  const ViewState view = viewOnCursor(doc);
+  const LayoutSettings settings;
+  const DrawTexts texts;
+  RecordingSurface surface;
+  for (auto _ : state) {
+    surface.clear();
+    doc.FullRelayout = true;
+    DrawResult r = DrawDocument(doc, settings, view, texts, surface);
+    benchmark::DoNotOptimize(r);
+  }
+  state.counters["calls"] = static_cast<double>(surface.calls().size());
+}
+
+void BM_RelayoutAndDrawQImage(benchmark::State& state) {
+  Document doc = makeSong(static_cast<int>(state.range(0)));
+  const ViewState view = viewOnCursor(doc);
+  const LayoutSettings settings;
+  const DrawTexts texts;
+  QImage image(900, 1000, QImage::Format_RGB32);
+  for (auto _ : state) {
+    doc.FullRelayout = true;
+    QPainter painter(&image);
+    QtSurface surface(painter);
+    DrawResult r = DrawDocument(doc, settings, view, texts, surface);
+    benchmark::DoNotOptimize(r);
+  }
+}
+
+void BM_LayoutOnly(benchmark::State& state) {
+  Document doc = makeSong(static_cast<int>(state.range(0)));
+  for (auto _ : state) {
+    DrawResult r = LayoutTrack(doc, 0, LayoutSettings{}, DrawTexts{});
+    benchmark::DoNotOptimize(r);
+  }
+}
+
+BENCHMARK(BM_RelayoutAndDrawRecording)->Arg(100)->Arg(1000)->Arg(5000)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_RelayoutAndDrawQImage)->Arg(100)->Arg(1000)->Arg(5000)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_LayoutOnly)->Arg(100)->Arg(1000)->Arg(5000)->Unit(benchmark::kMillisecond);
+
+}  // namespace
+}  // namespace plectaro
+
+int main(int argc, char** argv) {
+  if (!std::getenv("QT_QPA_PLATFORM")) setenv("QT_QPA_PLATFORM", "offscreen", 1);
+  int qargc = 1;
+  char name[] = "bench_rendering";
+  char* qargv[] = {name, nullptr};
+  QGuiApplication app(qargc, qargv);
+  benchmark::Initialize(&argc, argv);
+  benchmark::RunSpecifiedBenchmarks();
+  benchmark::Shutdown();
+  return 0;
+}
