@@ -1,0 +1,126 @@
+// Everything an editing command needs besides the Document: the editor's settings, the way to
+// ask the user something, the hooks into the window and the player, the undo ring and the bar
+// clipboard. One EditContext per open window; no editing state is program-wide.
+//
+// Every command is a plain function taking the EditContext. The key handler, the menu item and
+// the toolbar button all call the same function, so they always do the same thing.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "editing/undo_ring.h"
+#include "score/document.h"
+#include "shell/prompter.h"
+
+namespace plectaro {
+
+struct EditSettings {
+  int16_t UndoLevels = 1;   // the options dialog's undo levels; apply with EditContext::setUndoLevels
+  bool PlayAsTyped = true;  // sound a beat as a note is typed into it
+};
+
+// Dialogs of other parts of the program that a key can open.
+enum class EditDialog { Bend, Chord, Text, Trill, Grace, TremoloBar };
+
+// The window's side. Every hook may be left empty; the editor then does without it.
+struct EditHooks {
+  // The password guard; when empty, a protected score asks through the Prompter.
+  std::function<bool()> passwordCorrect;
+  // Sounds beat (track, bar, beat): play as typed and the commands that change a sound.
+  std::function<void(int track, int bar, int beat)> playChord;
+  std::function<bool()> isPlaying;
+  std::function<void()> stopPlayback;
+  std::function<void()> playFromStart;
+  std::function<void()> playFromHere;
+  // Draws the document now (DrawDocument of the window), status panels included.
+  std::function<void()> drawDocument;
+  // The cursor moved to another track.
+  std::function<void()> trackChanged;
+  // Go-to points were added or removed with bars.
+  std::function<void()> gotoPointsChanged;
+  // The undo menu item must be enabled or disabled.
+  std::function<void(bool enabled)> undoEnabled;
+  // Opens a dialog of the effect editors or the chord manager on the cursor's beat.
+  std::function<void(EditDialog)> openDialog;
+  // Opens the right-click menu at a point of the picture.
+  std::function<void(int x, int y)> openRightMenu;
+  // A message text of the interface language by its key ("str_ExceededBar"...); when empty
+  // or when it answers "", the English text is used.
+  std::function<std::string(std::string_view key)> text;
+};
+
+struct BarClipboard {
+  std::vector<Cow<TrackBar>> bars;   // copied whole: notes and effects go along
+  std::vector<BarInfo> infos;        // their time signatures and marks
+  bool drumTrack = false;            // bars of a drum track only paste onto a drum track
+  bool empty() const { return bars.empty(); }
+};
+
+class EditContext {
+ public:
+  EditContext(Document& doc, Prompter& prompter) : doc(doc), prompter(prompter) {
+    undo.setLevels(settings.UndoLevels);
+  }
+
+  Document& doc;
+  Prompter& prompter;
+  EditSettings settings;
+  EditHooks hooks;
+  UndoRing undo;
+  BarClipboard clipboard;
+
+  bool NotationEntry = false;      // Enter switched note entry to the notation staff
+  bool KeyChanged = false;         // the last command changed the Score
+  bool VolumesWholeChord = false;  // a volume command acts on every string of the beat
+
+  void setUndoLevels(int16_t levels) {
+    settings.UndoLevels = levels;
+    undo.setLevels(levels);
+    notifyUndo();
+  }
+  // Another document was opened or a new one made: its edits cannot be undone into it. The
+  // bar clipboard stays, so bars can be copied from one song into another.
+  void documentReplaced() {
+    undo.clear();
+    NotationEntry = false;
+    notifyUndo();
+  }
+
+  // The message text for a key, in the interface language when the window gave one.
+  std::string text(std::string_view key) const;
+  void message(std::string_view textKey, MessageIcon icon = MessageIcon::Information);
+  void redraw();
+  void notifyUndo() {
+    if (hooks.undoEnabled) hooks.undoEnabled(undo.canUndo());
+  }
+  void playBeat() {
+    if (hooks.playChord) hooks.playChord(doc.CursorTrack, doc.CursorBar, doc.CursorBeat);
+  }
+
+  // Set while a key is being handled: commands called from the key leave the drawing to the
+  // end of the key.
+  int depth = 0;
+};
+
+// The guard every command that alters the document passes first.
+bool PasswordCorrect(EditContext& ctx);
+
+// Runs one editing command: the password guard, then `change` under Transact. When the
+// change throws ScoreError the document is put back exactly as it was and the reason is shown.
+// When the Score changed: ScoreChanged, KeyChanged, FullRelayout if the layout is touched. Then
+// the cursor is clamped and the document drawn. Returns false when refused or failed.
+bool RunCommand(EditContext& ctx, const std::function<void()>& change);
+
+// A command that only moves the cursor: no password, no change flags; clamps and draws.
+void RunCursorMove(EditContext& ctx, const std::function<void()>& move);
+
+// Whether two versions of a Score differ in anything the page layout depends on: bars, beat
+// counts, signatures, staves, strings. Bars shared between the two are skipped at once.
+bool LayoutAffected(const Score& before, const Score& after);
+
+}  // namespace plectaro

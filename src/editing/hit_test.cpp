@@ -1,0 +1,95 @@
+#include "editing/hit_test.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+#include "rendering/page_layout.h"
+
+namespace plectaro {
+
+namespace {
+
+// How far above and below a row a click still counts for it: chord names and texts stand
+// above the staves, and the cursor is drawn a little beyond the outer lines.
+constexpr double kRowSlack = 20;
+constexpr double kLineSlack = 7;
+
+const std::vector<BarLayout>* layoutOf(const Document& doc, int track) {
+  if (track < 0 || static_cast<size_t>(track) >= doc.Layout.size()) return nullptr;
+  const auto& lay = doc.Layout[static_cast<size_t>(track)];
+  if (lay.size() < doc.score.Tracks[static_cast<size_t>(track)].Bars.size()) return nullptr;
+  return &lay;
+}
+
+}  // namespace
+
+HitResult HitTest(const Document& doc, int track, double x, double y) {
+  HitResult r;
+  if (track < 0 || track > doc.score.LastTrack()) return r;
+  const std::vector<BarLayout>* lay = layoutOf(doc, track);
+  if (!lay) return r;
+  const Track& tr = doc.score.Tracks[static_cast<size_t>(track)];
+  const double rh = RowHeight(tr);
+  double best = std::numeric_limits<double>::max();
+  for (size_t b = 0; b < tr.Bars.size(); ++b) {
+    const BarLayout& l = (*lay)[b];
+    if (l.DrawWidth <= 0 || x < l.DrawX || x >= l.DrawX + l.DrawWidth) continue;
+    if (y < l.DrawY - kRowSlack || y >= l.DrawY + rh + kRowSlack) continue;
+    const double centre = l.DrawY + rh / 2;
+    const double dist = std::abs(y - centre);
+    if (dist < best) {
+      best = dist;
+      r.hit = true;
+      r.bar = static_cast<int>(b);
+    }
+  }
+  if (!r.hit) return r;
+  const BarLayout& l = (*lay)[static_cast<size_t>(r.bar)];
+  const int lastBeat = static_cast<int>(tr.Bars[static_cast<size_t>(r.bar)]->Beats.size()) - 1;
+  const double first = l.DrawX + RowLayout::BeatOffset(l.ShowsSignature, l.BeatSpacing, 0) + 3;
+  const double k = l.BeatSpacing > 0 ? std::round((x - first) / l.BeatSpacing) : 0;
+  r.beat = static_cast<int>(std::clamp(k, 0.0, static_cast<double>(std::max(lastBeat, 0))));
+  if (tr.TabStaff) {
+    const double top = l.DrawY + TabStaffTop(tr);
+    const int strings = StringCount(tr);
+    if (y >= top - kLineSlack && y <= top + (strings - 1) * 10 + kLineSlack)
+      r.string = std::clamp(static_cast<int>(std::lround((y - top) / 10)), 0, strings - 1);
+  }
+  return r;
+}
+
+void picDocument_MouseDown(EditContext& ctx, MouseButton button, Modifiers, double x, double y) {
+  const HitResult hit = HitTest(ctx.doc, ctx.doc.CursorTrack, x, y);
+  if (hit.hit) {
+    RunCursorMove(ctx, [&] {
+      Document& d = ctx.doc;
+      d.CursorBar = static_cast<int16_t>(hit.bar);
+      d.CursorBeat = static_cast<int16_t>(hit.beat);
+      if (hit.string >= 0) {
+        d.CursorString = static_cast<int16_t>(hit.string);
+        ctx.NotationEntry = false;
+      }
+    });
+  }
+  if (button == MouseButton::Right && ctx.hooks.openRightMenu)
+    ctx.hooks.openRightMenu(static_cast<int>(x), static_cast<int>(y));
+}
+
+int ScrollToShowCursor(const Document& doc, int vScroll, double pictureHeight) {
+  const std::vector<BarLayout>* lay = layoutOf(doc, doc.CursorTrack);
+  if (!lay || doc.CursorBar < 0 || static_cast<size_t>(doc.CursorBar) >= lay->size()) return vScroll;
+  const BarLayout& l = (*lay)[static_cast<size_t>(doc.CursorBar)];
+  const double rh = RowHeight(doc.score.track(doc.CursorTrack));
+  const double top = l.DrawY - kRowSlack;
+  const double bottom = l.DrawY + rh + kRowSlack;
+  if (top < 0) return std::max(0, vScroll - static_cast<int>(std::ceil(-top / 8)));
+  if (bottom > pictureHeight) {
+    // Bring the row's bottom into sight, but never push its top out at the other end.
+    const double down = std::min(bottom - pictureHeight, top);
+    return vScroll + static_cast<int>(std::ceil(down / 8));
+  }
+  return vScroll;
+}
+
+}  // namespace plectaro

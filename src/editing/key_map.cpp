@@ -1,0 +1,311 @@
+#include "editing/key_map.h"
+
+#include <algorithm>
+
+#include "editing/note_commands.h"
+#include "editing/rhythm_commands.h"
+#include "editing/bar_commands.h"
+#include "score/bar_timing.h"
+
+namespace plectaro {
+
+namespace {
+
+// Commands called while a key is handled draw once, at the end of the key.
+struct KeyScope {
+  explicit KeyScope(EditContext& c) : ctx(c) { ++ctx.depth; }
+  ~KeyScope() { --ctx.depth; }
+  EditContext& ctx;
+};
+
+int numStrings(const Document& d) {
+  return std::clamp<int>(d.score.track(d.CursorTrack).Tuning.NumStrings, 1, kMaxStrings);
+}
+
+bool cursorSlotHasNote(const Document& d) {
+  return d.score.note(d.CursorTrack, d.CursorBar, d.CursorBeat, d.CursorString).hasNote();
+}
+bool cursorBeatIsRest(const Document& d) {
+  return d.score.beat(d.CursorTrack, d.CursorBar, d.CursorBeat).isRest();
+}
+
+// A beat grown by the Right key takes the rhythm of the beat before it, so a run of eighths
+// needs one length step only.
+Beat rhythmOf(const Beat& from) {
+  Beat b;
+  b.Length = from.Length;
+  b.IsTuplet = from.IsTuplet;
+  b.Tuplet = from.Tuplet;
+  b.Dotted = from.Dotted;
+  return b;
+}
+
+bool isLetter(Key k) { return k >= Key::A && k <= Key::Z; }
+
+// Keys that sound the beat afterwards when play as typed is on.
+bool playsOnTab(Key k) { return IsDigitKey(k) || k == Key::Enter || k == Key::Period || k == Key::X; }
+
+bool rhythmKey(EditContext& ctx, Key key, bool shift) {
+  if (shift) return false;
+  switch (key) {
+    case Key::Period: mnuChordDotted_Click(ctx); return true;
+    case Key::NumpadPlus: mnuChordLengthIncrease_Click(ctx); return true;
+    case Key::NumpadMinus: mnuChordLengthDecrease_Click(ctx); return true;
+    default: return false;
+  }
+}
+
+// Arrows, Space, Enter, Del, Ins: the same on every kind of track.
+bool cursorKey(EditContext& ctx, Key key, bool shift, bool drum) {
+  switch (key) {
+    case Key::Left: if (!shift) MoveCursorLeft(ctx); return true;
+    case Key::Right: if (!shift) MoveCursorRight(ctx); return true;
+    case Key::Up:
+      if (!shift) MoveCursorUp(ctx);
+      else if (!drum) mnuNoteShiftUp_Click(ctx);
+      return true;
+    case Key::Down:
+      if (!shift) MoveCursorDown(ctx);
+      else if (!drum) mnuNoteShiftDown_Click(ctx);
+      return true;
+    case Key::Space:
+      if (shift) {
+        if (ctx.hooks.playFromHere) ctx.hooks.playFromHere();
+      } else if (ctx.hooks.playFromStart) {
+        ctx.hooks.playFromStart();
+      }
+      return true;
+    case Key::Enter: if (!drum) ToggleNotationEntry(ctx); return !drum;
+    case Key::Delete:
+      if (shift) mnuNoteDeleteBeat_Click(ctx);
+      else ClearNoteValue(ctx);
+      return true;
+    case Key::Insert: mnuNoteInsertBeat_Click(ctx); return true;
+    default: return false;
+  }
+}
+
+bool shiftedTabKey(EditContext& ctx, Key key) {
+  switch (key) {
+    case Key::NumpadPlus: mnuNoteUp_Click(ctx); return true;
+    case Key::NumpadMinus: mnuNoteDown_Click(ctx); return true;
+    case Key::R: mnuNoteEffectsLetRing_Click(ctx); return true;
+    case Key::M: MoveChordRight(ctx); return true;
+    case Key::N: MoveChordLeft(ctx); return true;
+    case Key::O: ShiftChordRight(ctx); return true;
+    case Key::T: if (ctx.hooks.openDialog) ctx.hooks.openDialog(EditDialog::Text); return true;
+    case Key::D3: mnuChordXTuplets_Click(ctx, kTriplet); return true;
+    case Key::D5: mnuChordXTuplets_Click(ctx, k5Tuplet); return true;
+    case Key::D6: mnuChordXTuplets_Click(ctx, k6Tuplet); return true;
+    case Key::D7: mnuChordXTuplets_Click(ctx, k7Tuplet); return true;
+    case Key::D9: mnuChordXTuplets_Click(ctx, k9Tuplet); return true;
+    default: return false;
+  }
+}
+
+bool effectKey(EditContext& ctx, Key key) {
+  const Document& d = ctx.doc;
+  switch (key) {
+    case Key::B: case Key::H: case Key::S: case Key::G:
+      if (!cursorSlotHasNote(d)) return true;
+      if (key == Key::B && ctx.hooks.openDialog) ctx.hooks.openDialog(EditDialog::Bend);
+      if (key == Key::H) mnuNoteEffectsTechniques_Click(ctx, 9);
+      if (key == Key::S) mnuNoteEffectsTechniques_Click(ctx, 6);
+      if (key == Key::G) mnuNoteEffectsGhostNote_Click(ctx);
+      return true;
+    case Key::T: case Key::V: case Key::U: case Key::D: case Key::C: case Key::L:
+      if (cursorBeatIsRest(d)) return true;
+      if (key == Key::T) mnuChordTechniques_Click(ctx, 3);
+      if (key == Key::V) mnuChordTechniques_Click(ctx, 0);
+      if (key == Key::U) mnuChordUpStroke_Click(ctx);
+      if (key == Key::D) mnuChordDownStroke_Click(ctx);
+      if (key == Key::C && ctx.hooks.openDialog) ctx.hooks.openDialog(EditDialog::Chord);
+      if (key == Key::L) mnuNoteLinkNote_Click(ctx);
+      return true;
+    case Key::X: ToggleDeadNote(ctx); return true;
+    case Key::R: RepeatPreviousChord(ctx); return true;
+    default: return false;
+  }
+}
+
+void writeDrumSymbol(EditContext& ctx, char symbol) {
+  RunCommand(ctx, [&] {
+    Document& d = ctx.doc;
+    NoteSlot& n = d.score.noteMut(d.CursorTrack, d.CursorBar, d.CursorBeat, d.CursorString);
+    n.Fret = std::string(1, symbol);
+  });
+}
+
+}  // namespace
+
+char DrumSymbolOfKey(Key key) {
+  switch (key) {
+    case Key::C: return 'c';
+    case Key::X: return 'X';
+    case Key::S: return 'S';
+    case Key::O: return 'O';
+    case Key::F: return 'F';
+    case Key::T: return 't';
+    default: return 0;
+  }
+}
+
+void MoveCursorLeft(EditContext& ctx) {
+  RunCursorMove(ctx, [&] {
+    Document& d = ctx.doc;
+    if (d.CursorBeat > 0) {
+      --d.CursorBeat;
+    } else if (d.CursorBar > 0) {
+      --d.CursorBar;
+      d.CursorBeat = static_cast<int16_t>(d.score.GetLastBeat(d.CursorTrack, d.CursorBar));
+    }
+  });
+}
+
+void MoveCursorRight(EditContext& ctx) {
+  Document& d = ctx.doc;
+  if (d.CursorBeat < d.score.GetLastBeat(d.CursorTrack, d.CursorBar)) {
+    RunCursorMove(ctx, [&] { ++d.CursorBeat; });
+    return;
+  }
+  // On the last beat the bar's fill decides. Measuring can fail on a bar read from a file with
+  // a zero denominator; RunCommand reports that and the cursor stays.
+  bool tooLong = false;
+  RunCommand(ctx, [&] {
+    const int t = d.CursorTrack;
+    const BarCheck fill = CheckBar(d.score, t, d.CursorBar);
+    const Beat& here = d.score.beat(t, d.CursorBar, d.CursorBeat);
+    if (fill == kBarTooLong) {
+      tooLong = true;
+    } else if (fill == kBarTooShort) {
+      Beat grown = rhythmOf(here);
+      TrackBar& tb = d.score.barMut(t, d.CursorBar);
+      if (tb.Beats.size() > static_cast<size_t>(kMaxIndex)) throw ScoreError("a bar holds at most 32768 beats");
+      tb.Beats.push_back(std::move(grown));
+      ++d.CursorBeat;
+    } else if (d.CursorBar < d.score.GetLastBar(t)) {
+      ++d.CursorBar;
+      d.CursorBeat = 0;
+    } else {
+      Beat grown = rhythmOf(here);
+      AddBar(d.score);
+      ++d.CursorBar;
+      d.CursorBeat = 0;
+      Beat& first = d.score.beatMut(t, d.CursorBar, 0);
+      grown.GotoName = first.GotoName;
+      first = std::move(grown);
+    }
+  });
+  if (tooLong) ctx.prompter.message(ctx.text("str_ExceededBar"), ctx.text("str_BarExceeded"), MessageIcon::Critical);
+}
+
+void MoveCursorUp(EditContext& ctx) {
+  RunCursorMove(ctx, [&] {
+    Document& d = ctx.doc;
+    const Track& tr = d.score.track(d.CursorTrack);
+    if (ctx.NotationEntry && !tr.DrumTrack) {
+      const int n = numStrings(d);
+      const int bottom = GetStringPitch(n - 1) + tr.Tuning.Offset[static_cast<size_t>(n - 1)];
+      d.CursorLine = static_cast<int16_t>(d.CursorLine < bottom + 29 ? d.CursorLine + 1 : bottom);
+      return;
+    }
+    d.CursorString = static_cast<int16_t>(d.CursorString <= 0 ? numStrings(d) - 1 : d.CursorString - 1);
+  });
+}
+
+void MoveCursorDown(EditContext& ctx) {
+  RunCursorMove(ctx, [&] {
+    Document& d = ctx.doc;
+    const Track& tr = d.score.track(d.CursorTrack);
+    if (ctx.NotationEntry && !tr.DrumTrack) {
+      const int n = numStrings(d);
+      const int bottom = GetStringPitch(n - 1) + tr.Tuning.Offset[static_cast<size_t>(n - 1)];
+      d.CursorLine = static_cast<int16_t>(d.CursorLine > bottom ? d.CursorLine - 1 : bottom + 29);
+      return;
+    }
+    d.CursorString = static_cast<int16_t>(d.CursorString >= numStrings(d) - 1 ? 0 : d.CursorString + 1);
+  });
+}
+
+void ToggleNotationEntry(EditContext& ctx) {
+  ctx.NotationEntry = !ctx.NotationEntry;
+  ctx.redraw();
+}
+
+void SetCursorTrack(EditContext& ctx, int track) {
+  RunCursorMove(ctx, [&] {
+    ctx.doc.score.track(track);
+    ctx.doc.CursorTrack = static_cast<int16_t>(track);
+  });
+}
+
+void mnuEditUndo_Click(EditContext& ctx) {
+  if (!PasswordCorrect(ctx)) return;
+  const int16_t track = ctx.doc.CursorTrack;
+  if (ctx.undo.undo(ctx.doc)) {
+    if (ctx.doc.CursorTrack != track && ctx.hooks.trackChanged) ctx.hooks.trackChanged();
+    ctx.redraw();
+  }
+  ctx.notifyUndo();
+}
+
+bool picDocument_KeyDown(EditContext& ctx, Key key, Modifiers mods) {
+  if (ctx.hooks.isPlaying && ctx.hooks.isPlaying()) {
+    if (ctx.hooks.stopPlayback) ctx.hooks.stopPlayback();
+    return true;
+  }
+  if (key >= Key::Numpad0 && key <= Key::Numpad9)
+    key = DigitKey(static_cast<int>(key) - static_cast<int>(Key::Numpad0));
+  if (!PasswordCorrect(ctx)) return true;
+  if (key == Key::Z) {
+    mnuEditUndo_Click(ctx);
+    return true;
+  }
+  // Ctrl and Alt combinations belong to the menus; a letter typed with them must not also
+  // toggle an effect.
+  if (mods & (kCtrl | kAlt)) return false;
+  const bool shift = (mods & kShift) != 0;
+
+  Document& d = ctx.doc;
+  const bool keepUndo = ctx.undo.levels() >= 1;
+  Score before;
+  if (keepUndo) before = d.score;  // shares every bar: costs one pointer per bar
+  const auto cursorBefore = CursorOf(d);
+  ctx.KeyChanged = false;
+
+  bool handled = false;
+  const bool drum = d.score.track(d.CursorTrack).DrumTrack;
+  {
+    KeyScope scope(ctx);
+    handled = cursorKey(ctx, key, shift, drum) || rhythmKey(ctx, key, shift);
+    if (!handled && drum) {
+      const char symbol = shift ? 0 : DrumSymbolOfKey(key);
+      if (symbol) {
+        writeDrumSymbol(ctx, symbol);
+        handled = true;
+      }
+    } else if (!handled) {
+      if (shift) {
+        handled = shiftedTabKey(ctx, key);
+      } else if (isLetter(key)) {
+        handled = effectKey(ctx, key);
+      } else if (IsDigitKey(key)) {
+        TypeFretDigit(ctx, DigitOf(key));
+        handled = true;
+      }
+    }
+  }
+
+  if (handled && ctx.settings.PlayAsTyped && !shift) {
+    const bool plays = drum ? DrumSymbolOfKey(key) != 0 : playsOnTab(key);
+    if (plays && !d.score.beat(d.CursorTrack, d.CursorBar, d.CursorBeat).isRest()) ctx.playBeat();
+  }
+  if (ctx.KeyChanged && keepUndo) {
+    ctx.undo.push(std::move(before), cursorBefore);
+    ctx.notifyUndo();
+  }
+  if (handled) ctx.redraw();
+  return handled;
+}
+
+}  // namespace plectaro

@@ -1,0 +1,253 @@
+#include "editing/note_commands.h"
+
+#include <string>
+#include <utility>
+
+#include "editing/bar_commands.h"
+
+namespace plectaro {
+
+namespace {
+
+NoteSlot& cursorSlot(Document& d) {
+  return d.score.noteMut(d.CursorTrack, d.CursorBar, d.CursorBeat, d.CursorString);
+}
+const NoteSlot& cursorSlotRead(const Document& d) {
+  return d.score.note(d.CursorTrack, d.CursorBar, d.CursorBeat, d.CursorString);
+}
+Beat& cursorBeat(Document& d) { return d.score.beatMut(d.CursorTrack, d.CursorBar, d.CursorBeat); }
+
+// Toggles a field of the cursor's slot when it holds a note.
+template <class Field>
+void toggleSlot(EditContext& ctx, Field field, bool sounds) {
+  const bool ran = RunCommand(ctx, [&] {
+    if (!cursorSlotRead(ctx.doc).hasNote()) return;
+    NoteSlot& n = cursorSlot(ctx.doc);
+    n.*field = !(n.*field);
+  });
+  if (ran && sounds) ctx.playBeat();
+}
+
+// The shared setter of the effect menus: the code, or 0 when it is set already.
+void setCode(int32_t& field, int32_t code) { field = field == code ? 0 : code; }
+
+void checkMenuIndex(int index, int count) {
+  if (index < 0 || index >= count)
+    throw ScoreError("menu entry " + std::to_string(index) + " does not exist");
+}
+
+void shiftString(EditContext& ctx, int direction) {
+  if (ctx.doc.score.track(ctx.doc.CursorTrack).DrumTrack) return;
+  RunCommand(ctx, [&] {
+    Document& d = ctx.doc;
+    const int from = d.CursorString;
+    const int to = from + direction;
+    if (to < 0 || to >= d.score.track(d.CursorTrack).Tuning.NumStrings) return;
+    const NoteSlot& src = cursorSlotRead(d);
+    int fret = 0;
+    if (!FretNumber(src.Fret, fret)) return;
+    if (d.score.note(d.CursorTrack, d.CursorBar, d.CursorBeat, to).hasNote()) return;  // keep it
+    const auto& off = d.score.track(d.CursorTrack).Tuning.Offset;
+    const int openFrom = GetStringPitch(from) + off[static_cast<size_t>(from)];
+    const int openTo = GetStringPitch(to) + off[static_cast<size_t>(to)];
+    const int newFret = fret + openFrom - openTo;
+    if (newFret < 0 || newFret > 99) return;  // the pitch is not on that string
+    Beat& b = cursorBeat(d);
+    NoteSlot moved = std::move(b.Notes[static_cast<size_t>(from)]);
+    moved.Fret = std::to_string(newFret);
+    b.Notes[static_cast<size_t>(from)] = NoteSlot{};
+    b.Notes[static_cast<size_t>(to)] = std::move(moved);
+    d.CursorString = static_cast<int16_t>(to);  // the cursor follows the note
+  });
+}
+
+void setFinger(EditContext& ctx, int index, int32_t NoteSlot::*field) {
+  RunCommand(ctx, [&] {
+    checkMenuIndex(index, 5);
+    if (!cursorSlotRead(ctx.doc).hasNote()) return;
+    setCode(cursorSlot(ctx.doc).*field, index + 1);
+  });
+}
+
+// Swaps beat k with beat k + 1 of the cursor's bar; `whole` moves lengths too.
+void swapWithNext(EditContext& ctx, int k, bool whole, bool follow) {
+  RunCommand(ctx, [&] {
+    Document& d = ctx.doc;
+    const int last = d.score.GetLastBeat(d.CursorTrack, d.CursorBar);
+    if (k < 0 || k + 1 > last) return;
+    TrackBar& tb = d.score.barMut(d.CursorTrack, d.CursorBar);
+    Beat& a = tb.Beats[static_cast<size_t>(k)];
+    Beat& b = tb.Beats[static_cast<size_t>(k) + 1];
+    if (whole) {
+      std::swap(a, b);
+    } else {
+      Beat moved = a;  // the notes and marks of a go into b's place in time
+      moved.Length = b.Length;
+      moved.Dotted = b.Dotted;
+      moved.IsTuplet = b.IsTuplet;
+      moved.Tuplet = b.Tuplet;
+      moved.GotoName = b.GotoName;
+      b = std::move(moved);
+      d.score.ClearBeat(d.CursorTrack, d.CursorBar, k);
+    }
+    if (follow) d.CursorBeat = static_cast<int16_t>(d.CursorBeat == k ? k + 1 : k);
+  });
+}
+
+}  // namespace
+
+void TypeFretDigit(EditContext& ctx, int digit) {
+  RunCommand(ctx, [&] {
+    if (digit < 0 || digit > 9) throw ScoreError("not a digit: " + std::to_string(digit));
+    NoteSlot& n = cursorSlot(ctx.doc);
+    const std::string d(1, static_cast<char>('0' + digit));
+    n.Fret = (n.Fret == "1" || n.Fret == "2") ? n.Fret + d : d;
+  });
+}
+
+void ClearNoteValue(EditContext& ctx) {
+  RunCommand(ctx, [&] {
+    if (cursorSlotRead(ctx.doc).hasNote()) cursorSlot(ctx.doc).Fret.clear();
+  });
+}
+
+void ToggleDeadNote(EditContext& ctx) {
+  RunCommand(ctx, [&] {
+    NoteSlot& n = cursorSlot(ctx.doc);
+    n.Fret = n.Fret == "x" ? "" : "x";
+  });
+}
+
+void mnuNoteUp_Click(EditContext& ctx) {
+  RunCommand(ctx, [&] {
+    int fret = 0;
+    if (!FretNumber(cursorSlotRead(ctx.doc).Fret, fret) || fret >= 99) return;
+    cursorSlot(ctx.doc).Fret = std::to_string(fret + 1);
+  });
+}
+
+void mnuNoteDown_Click(EditContext& ctx) {
+  RunCommand(ctx, [&] {
+    int fret = 0;
+    if (!FretNumber(cursorSlotRead(ctx.doc).Fret, fret) || fret <= 0) return;
+    cursorSlot(ctx.doc).Fret = std::to_string(fret - 1);
+  });
+}
+
+void mnuNoteShiftUp_Click(EditContext& ctx) { shiftString(ctx, -1); }
+void mnuNoteShiftDown_Click(EditContext& ctx) { shiftString(ctx, +1); }
+
+void mnuNoteInsertBeat_Click(EditContext& ctx) {
+  RunCommand(ctx, [&] {
+    Document& d = ctx.doc;
+    const int last = d.score.GetLastBeat(d.CursorTrack, d.CursorBar);
+    if (last >= kMaxIndex) throw ScoreError("a bar holds at most 32768 beats");
+    TrackBar& tb = d.score.barMut(d.CursorTrack, d.CursorBar);
+    const auto at = tb.Beats.begin() + d.CursorBeat;
+    Beat fresh = *at;  // a blank beat of the cursor beat's length
+    fresh.GotoName.clear();
+    tb.Beats.insert(at, std::move(fresh));
+    d.score.ClearBeat(d.CursorTrack, d.CursorBar, d.CursorBeat);
+  });
+}
+
+void mnuNoteDeleteBeat_Click(EditContext& ctx) {
+  RunCommand(ctx, [&] {
+    Document& d = ctx.doc;
+    const int last = d.score.GetLastBeat(d.CursorTrack, d.CursorBar);
+    if (last == 0) {
+      // The only beat: the bar goes (in this track), and the cursor lands on the last beat
+      // of the bar before it.
+      RemoveBarAt(d.score, d.CursorBar, {d.CursorTrack});
+      if (d.CursorBar > 0) --d.CursorBar;
+      d.clampCursor();
+      d.CursorBeat = static_cast<int16_t>(d.score.GetLastBeat(d.CursorTrack, d.CursorBar));
+      return;
+    }
+    TrackBar& tb = d.score.barMut(d.CursorTrack, d.CursorBar);
+    tb.Beats.erase(tb.Beats.begin() + d.CursorBeat);
+    if (d.CursorBeat > last - 1) d.CursorBeat = static_cast<int16_t>(last - 1);
+  });
+}
+
+void mnuNoteVolumes_Click(EditContext& ctx, int index) {
+  const bool ran = RunCommand(ctx, [&] {
+    checkMenuIndex(index, 8);
+    const int32_t v = kVolumeMenuToStored[static_cast<size_t>(index)];
+    Document& d = ctx.doc;
+    if (ctx.VolumesWholeChord) {
+      const int n = d.score.track(d.CursorTrack).Tuning.NumStrings;
+      for (int s = 0; s < n && s < kMaxStrings; ++s)
+        if (d.score.note(d.CursorTrack, d.CursorBar, d.CursorBeat, s).hasNote())
+          d.score.noteMut(d.CursorTrack, d.CursorBar, d.CursorBeat, s).Volume = v;
+    } else if (cursorSlotRead(d).hasNote()) {
+      cursorSlot(d).Volume = v;
+    }
+  });
+  if (ran) ctx.playBeat();
+}
+
+void mnuNoteVolumesWholeChord_Click(EditContext& ctx) {
+  ctx.VolumesWholeChord = !ctx.VolumesWholeChord;
+}
+
+void mnuNoteLinkNote_Click(EditContext& ctx) { toggleSlot(ctx, &NoteSlot::Tied, false); }
+void mnuNoteLHFS_Click(EditContext& ctx, int index) { setFinger(ctx, index, &NoteSlot::LeftFinger); }
+void mnuNoteRHFS_Click(EditContext& ctx, int index) { setFinger(ctx, index, &NoteSlot::RightFinger); }
+
+void mnuNoteEffectsGhostNote_Click(EditContext& ctx) { toggleSlot(ctx, &NoteSlot::GhostNote, true); }
+void mnuNoteEffectsLetRing_Click(EditContext& ctx) { toggleSlot(ctx, &NoteSlot::LetRing, true); }
+void mnuNoteEffectsAccentuate_Click(EditContext& ctx) { toggleSlot(ctx, &NoteSlot::Accentuate, true); }
+
+void mnuNoteEffectsHarmonics_Click(EditContext& ctx, int index) {
+  if (RunCommand(ctx, [&] {
+        checkMenuIndex(index, 7);
+        if (cursorSlotRead(ctx.doc).hasNote()) setCode(cursorSlot(ctx.doc).Harmonic, index + 1);
+      }))
+    ctx.playBeat();
+}
+
+void mnuNoteEffectsTechniques_Click(EditContext& ctx, int index) {
+  if (RunCommand(ctx, [&] {
+        checkMenuIndex(index, 10);
+        if (cursorSlotRead(ctx.doc).hasNote())
+          setCode(cursorSlot(ctx.doc).Technique, kTechniqueMenuCodes[index]);
+      }))
+    ctx.playBeat();
+}
+
+void mnuChordTechniques_Click(EditContext& ctx, int index) {
+  if (RunCommand(ctx, [&] {
+        checkMenuIndex(index, 7);
+        setCode(cursorBeat(ctx.doc).ChordTechnique, index + 1);
+      }))
+    ctx.playBeat();
+}
+
+void mnuChordUpStroke_Click(EditContext& ctx) {
+  RunCommand(ctx, [&] { setCode(cursorBeat(ctx.doc).Stroke, kUpStroke); });
+}
+void mnuChordDownStroke_Click(EditContext& ctx) {
+  RunCommand(ctx, [&] { setCode(cursorBeat(ctx.doc).Stroke, kDownStroke); });
+}
+
+void RepeatPreviousChord(EditContext& ctx) {
+  RunCommand(ctx, [&] {
+    Document& d = ctx.doc;
+    int bar = d.CursorBar;
+    int beat = d.CursorBeat - 1;
+    if (beat < 0) {
+      if (bar == 0) return;
+      --bar;
+      beat = d.score.GetLastBeat(d.CursorTrack, bar);
+    }
+    Beat copy = d.score.beat(d.CursorTrack, bar, beat);
+    cursorBeat(d) = std::move(copy);
+  });
+}
+
+void MoveChordRight(EditContext& ctx) { swapWithNext(ctx, ctx.doc.CursorBeat, true, true); }
+void MoveChordLeft(EditContext& ctx) { swapWithNext(ctx, ctx.doc.CursorBeat - 1, true, true); }
+void ShiftChordRight(EditContext& ctx) { swapWithNext(ctx, ctx.doc.CursorBeat, false, true); }
+
+}  // namespace plectaro
