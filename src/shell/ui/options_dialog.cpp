@@ -8,7 +8,9 @@
 #include <QListWidget>
 #include <QPushButton>
 #include <QSpinBox>
+#include <QTabBar>
 #include <QTabWidget>
+#include <QHBoxLayout>
 #include <QVBoxLayout>
 
 #include "shell/ui/language_ui.h"
@@ -25,9 +27,17 @@ OptionsDialog::OptionsDialog(Session& session, QWidget* parent)
     : QDialog(parent), session_(session), edit_(session.ini()) {
   setObjectName("frmOptions");
   auto* layout = new QVBoxLayout(this);
+  // Fourteen pages do not fit side by side as tabs; they are listed down the left instead, and
+  // the tab widget (whose order is the pages' order) only shows the chosen one.
+  auto* body = new QHBoxLayout();
+  auto* pageList = new QListWidget(this);
+  pageList->setObjectName("lstPages");
   tabs_ = new QTabWidget(this);
   tabs_->setObjectName("TabStrip1");
-  layout->addWidget(tabs_);
+  tabs_->tabBar()->hide();
+  body->addWidget(pageList);
+  body->addWidget(tabs_, 1);
+  layout->addLayout(body);
 
   QWidget* drawing = page("tabDrawing");
   check(drawing, "chkAutoStretch", &IniSettings::AutoPageStretch);
@@ -143,6 +153,11 @@ OptionsDialog::OptionsDialog(Session& session, QWidget* parent)
   }
   fromSettings(edit_);
   LoadLanguage(this, session_.languageFile());
+  for (int i = 0; i < tabs_->count(); ++i) pageList->addItem(tabs_->tabText(i));
+  pageList->setFixedWidth(pageList->sizeHintForColumn(0) + 24);
+  connect(pageList, &QListWidget::currentRowChanged, tabs_, &QTabWidget::setCurrentIndex);
+  pageList->setCurrentRow(0);
+  resize(720, 440);
 }
 
 QWidget* OptionsDialog::page(const char* name) {
