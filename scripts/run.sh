@@ -1,13 +1,12 @@
 #!/usr/bin/env bash
-# Installs what is missing, builds, and opens the editor on a demo song with the built-in
-# synthesizer. Extra arguments go to the program.
+# Installs what is missing, builds, and opens the editor on a demo song. Extra arguments go to
+# the program instead (a file to open, --home DIR...).
 set -euo pipefail
 cd "$(dirname "$0")/.."
 ./scripts/setup.sh
-./scripts/build.sh debug
+./scripts/build.sh debug plectaro
 demo=data/examples/riff.plm
-if [[ -x build/debug/app/gui/plectaro ]]; then
-  exec build/debug/app/gui/plectaro "${@:-$demo}"
+if [[ $# -eq 0 ]]; then
+  set -- "$demo"
 fi
-# Until the editor window lands, show what the demo song holds.
-exec build/debug/app/cli/plectaro-cli info "${1:-$demo}"
+exec build/debug/app/gui/plectaro "$@"
