@@ -1,0 +1,121 @@
+// The Bar menu dialogs: what OK carries into the document, and that Cancel changes nothing.
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QComboBox>
+#include <QDialog>
+#include <QListWidget>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QSpinBox>
+#include <QTimer>
+#include <functional>
+
+#include "editing/ui/bar_dialogs.h"
+#include "shell/prompter.h"
+
+namespace plectaro {
+namespace {
+
+int argc = 1;
+char arg0[] = "editing_ui_tests";
+char* argv[] = {arg0, nullptr};
+QApplication& app() {
+  static QApplication a(argc, argv);
+  return a;
+}
+
+// Answers the next modal dialog: `fill` sets its controls, then it is accepted or rejected.
+void answerNextDialog(std::function<void(QDialog*)> fill, bool accept) {
+  QTimer::singleShot(0, [fill, accept] {
+    auto* d = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+    ASSERT_NE(d, nullptr);
+    fill(d);
+    if (accept) d->accept();
+    else d->reject();
+  });
+}
+
+struct Fixture {
+  Document doc;
+  ScriptedPrompter prompter;
+  EditContext ctx{doc, prompter};
+  Fixture() {
+    app();
+    doc.score.SetBarCount(3);
+    doc.CursorBar = 1;
+  }
+};
+
+TEST(Dialogs, TimeSignatureFromThisBarOn) {
+  Fixture f;
+  answerNextDialog([](QDialog* d) {
+    EXPECT_EQ(d->objectName(), "ntne_frmBarTimeSig");
+    d->findChild<QComboBox*>("Combo1")->setCurrentText("6");
+    d->findChild<QComboBox*>("Combo2")->setCurrentText("8");
+    d->findChild<QRadioButton*>("optApply1")->setChecked(true);
+  }, true);
+  mnuBarTimeSignature_Click(nullptr, f.ctx);
+  const int want[4][2] = {{4, 4}, {6, 8}, {6, 8}, {6, 8}};
+  for (int b = 0; b < 4; ++b) {
+    EXPECT_EQ(f.doc.score.BarInfos[static_cast<size_t>(b)].TimeSigNumerator, want[b][0]);
+    EXPECT_EQ(f.doc.score.BarInfos[static_cast<size_t>(b)].TimeSigDenominator, want[b][1]);
+  }
+}
+
+TEST(Dialogs, KeySignatureMinorAndCancel) {
+  Fixture f;
+  answerNextDialog([](QDialog* d) {
+    d->findChild<QRadioButton*>("optMinor")->setChecked(true);
+    d->findChild<QComboBox*>("cmbMinor")->setCurrentText("Bm (##)");
+  }, true);
+  mnuBarKeySignature_Click(nullptr, f.ctx);
+  EXPECT_EQ(f.doc.score.bar(0, 1).KeySignature, 2);
+  EXPECT_TRUE(f.doc.score.bar(0, 1).KeyMinor);
+  EXPECT_EQ(f.doc.score.bar(0, 2).KeySignature, 0);
+
+  const Score before = f.doc.score;
+  answerNextDialog([](QDialog* d) {
+    d->findChild<QComboBox*>("cmbMinor")->setCurrentIndex(0);
+    d->findChild<QRadioButton*>("optApply2")->setChecked(true);
+  }, false);
+  mnuBarKeySignature_Click(nullptr, f.ctx);
+  EXPECT_TRUE(f.doc.score == before);
+}
+
+TEST(Dialogs, CopyThenPasteTwiceBeforeTheBar) {
+  Fixture f;
+  f.doc.score.noteMut(0, 1, 0, 0).Fret = "5";
+  answerNextDialog([](QDialog* d) {
+    EXPECT_TRUE(d->findChild<QWidget*>("picCopy")->isVisibleTo(d));
+  }, true);
+  mnuBarCopy_Click(nullptr, f.ctx);
+  answerNextDialog([](QDialog* d) {
+    d->findChild<QSpinBox*>("txtNum")->setValue(2);
+    d->findChild<QRadioButton*>("optBefore")->setChecked(true);
+  }, true);
+  mnuBarPaste_Click(nullptr, f.ctx);
+  ASSERT_EQ(f.doc.score.BarInfos.size(), 6u);
+  for (int b : {1, 2, 3}) EXPECT_EQ(f.doc.score.note(0, b, 0, 0).Fret, "5") << b;
+}
+
+TEST(Dialogs, CodaWizardWalksFourSteps) {
+  Fixture f;
+  answerNextDialog([](QDialog* d) {
+    auto* bar = d->findChild<QComboBox*>("cmbBar");
+    auto* next = d->findChild<QPushButton*>("cmdNext");
+    for (int b : {1, 3, 2, 3}) {
+      bar->setCurrentIndex(bar->findData(b));
+      next->click();
+    }
+  }, true);  // Finish has accepted it already
+  mnuBarCoda_Click(nullptr, f.ctx);
+  const auto& bi = f.doc.score.BarInfos;
+  EXPECT_TRUE(bi[1].Sign);
+  EXPECT_TRUE(bi[3].DSAlCoda);
+  EXPECT_TRUE(bi[2].ToCoda);
+  EXPECT_TRUE(bi[3].Coda);
+}
+
+}  // namespace
+}  // namespace plectaro
