@@ -102,7 +102,9 @@ void Scheduler::start(const Score& score, int startBar, int endBar) {
   repeatStartBar_ = 0;
   repeatsLeft_ = 0;
   inRepeat_ = false;
+  repeatCloseBar_ = -1;
   dsTaken_ = false;
+  codaTaken_ = false;
   signBar_ = GetSignLocation(score);
   codaBar_ = GetCodaLocation(score);
 
@@ -266,9 +268,13 @@ void Scheduler::barEnd(int t, int lastTrack) {
   if (!inRepeat_ && close > 0) {
     repeatsLeft_ = close;
     inRepeat_ = true;
+    repeatCloseBar_ = cursorBar_;
   }
   if (inRepeat_) {
-    if (close < 1) {
+    // Inside the section being repeated, a second close mark (a repeat with no open mark
+    // between, "back to the start") is passed over: serving it would restart the outer
+    // repeat's count, and the two would send each other back for ever.
+    if (close < 1 || cursorBar_ != repeatCloseBar_) {
       cursorBar_ = static_cast<int16_t>(cursorBar_ + 1);
     } else if (repeatsLeft_ < 1) {
       inRepeat_ = false;
@@ -280,7 +286,12 @@ void Scheduler::barEnd(int t, int lastTrack) {
   }
   if (!inRepeat_) {
     info = barInfoAt(*score_, cursorBar_);
-    if (info && info->ToCoda && dsTaken_) cursorBar_ = static_cast<int16_t>(codaBar_ - 1);
+    // The jump to the coda is taken once: with the coda written before the to-coda mark,
+    // taking it every time round would loop for ever.
+    if (info && info->ToCoda && dsTaken_ && !codaTaken_) {
+      cursorBar_ = static_cast<int16_t>(codaBar_ - 1);
+      codaTaken_ = true;
+    }
     info = barInfoAt(*score_, cursorBar_);
     if (info && info->DSAlCoda && !dsTaken_) {
       cursorBar_ = static_cast<int16_t>(signBar_ - 1);

@@ -95,9 +95,11 @@ class Scheduler {
   int16_t repeatStartBar_ = 0;
   int16_t repeatsLeft_ = 0;
   bool inRepeat_ = false;
+  int16_t repeatCloseBar_ = -1;  // the close mark whose passes are being served
   int16_t signBar_ = 0;
   int16_t codaBar_ = 0;
   bool dsTaken_ = false;
+  bool codaTaken_ = false;
   int16_t countInLeft_ = 0;
   bool speedTrainerOn_ = false;
   SpeedTrainer trainer_;

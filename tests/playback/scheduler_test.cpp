@@ -172,6 +172,10 @@ TEST(Scheduler, RepeatsAndJumpsSetTheBarOrder) {
       {"D.S. without a segno goes to the first bar", {plain, plain, toCoda, ds, coda}, {0, 1, 2, 3, 0, 1, 2, 4}},
       {"to coda before the D.S. is ignored", {plain, toCoda, plain, coda}, {0, 1, 2, 3}},
       {"repeats are served again after the D.S.", {sign, close1, ds, plain}, {0, 1, 0, 1, 2, 0, 1, 0, 1, 2, 3}},
+      {"a second close with no open between repeats from the start, once through",
+       {plain, close2, plain, close1, plain}, {0, 1, 0, 1, 0, 1, 2, 3, 0, 1, 2, 3, 4}},
+      {"a coda written before its to-coda mark is jumped to once",
+       {plain, coda, sign, toCoda, ds, plain}, {0, 1, 2, 3, 4, 2, 3, 1, 2, 3, 4, 5}},
   };
   for (const Case& c : cases) {
     const int n = static_cast<int>(c.bars.size());
