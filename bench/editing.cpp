@@ -1,0 +1,176 @@
+// A keystroke on a 1000-bar score, from the key to the finished redraw of the view on a
+// QImage, and what 50 levels of undo cost after 50 one-note edits.
+//
+// Keys measured: a fret digit (the page is redrawn from the stored layout), Right inside a
+// bar (cursor only), and Shift+Ins / Shift+Del in turn (the beat count changes, so the whole
+// track is laid out again: the worst case of ordinary typing).
+#include <benchmark/benchmark.h>
+
+#include <QGuiApplication>
+#include <QImage>
+#include <QPainter>
+
+#include <malloc.h>
+
+#include <cstdlib>
+#include <unordered_set>
+
+#include "editing/key_map.h"
+#include "rendering/draw_document.h"
+#include "rendering/qt/qt_surface.h"
+#include "shell/prompter.h"
+
+namespace plectaro {
+namespace {
+
+// A 6-string track with treble staff and tab, 8 eighth-note beats a bar, a note on every beat.
+Document makeSong(int bars) {
+  Document doc;
+  doc.score.SetBarCount(bars - 1);
+  for (int b = 0; b < bars; ++b) {
+    doc.score.SetBeatCount(0, b, 7);
+    for (int k = 0; k < 8; ++k) {
+      Beat& beat = doc.score.beatMut(0, b, k);
+      beat.Length = kEighth;
+      beat.Notes[static_cast<size_t>(k % 6)].Fret = std::to_string((b + k) % 13);
+      if (k % 4 == 0) beat.Notes[5].Fret = "0";
+    }
+  }
+  doc.CursorBar = static_cast<int16_t>(bars / 2);
+  return doc;
+}
+
+// The window: a QImage the size of the view, scrolled to the cursor's row, redrawn by the
+// editor's draw hook as DrawDocument on a QPainter surface.
+struct View {
+  Document doc = makeSong(1000);
+  ScriptedPrompter prompter;
+  EditContext ctx{doc, prompter};
+  QImage image{900, 1000, QImage::Format_RGB32};
+  ViewState view;
+  LayoutSettings settings;
+  DrawTexts texts;
+
+  View() {
+    view.PictureWidth = 900;
+    view.PictureHeight = 1000;
+    LayoutTrack(doc, 0, settings, texts);
+    view.VScroll = std::max(1, (doc.Layout[0][static_cast<size_t>(doc.CursorBar)].DrawY - 300) / 8);
+    ctx.setUndoLevels(50);
+    ctx.hooks.drawDocument = [this] {
+      QPainter painter(&image);
+      QtSurface surface(painter);
+      DrawResult r = DrawDocument(doc, settings, view, texts, surface);
+      benchmark::DoNotOptimize(r);
+    };
+    doc.FullRelayout = true;
+    ctx.hooks.drawDocument();
+  }
+};
+
+void BM_KeyToRedraw_Fret(benchmark::State& state) {
+  View v;
+  int i = 0;
+  for (auto _ : state) picDocument_KeyDown(v.ctx, DigitKey(3 + (i++ % 5)), kNoModifier);
+}
+
+void BM_KeyToRedraw_CursorRight(benchmark::State& state) {
+  View v;
+  for (auto _ : state) {
+    v.doc.CursorBeat = 0;
+    picDocument_KeyDown(v.ctx, Key::Right, kNoModifier);
+  }
+}
+
+void BM_KeyToRedraw_InsertDeleteBeat(benchmark::State& state) {
+  View v;
+  int i = 0;
+  for (auto _ : state) picDocument_KeyDown(v.ctx, (i++ % 2) ? Key::Delete : Key::Insert, kShift);
+}
+
+// Heap bytes of a score, counting every shared bar and sub-record once across all the scores
+// handed in (the live document plus the snapshots).
+class Footprint {
+ public:
+  size_t add(const Score& s) {
+    size_t bytes = sizeof(Score) + s.Tracks.capacity() * sizeof(Track) +
+                   s.BarInfos.capacity() * sizeof(BarInfo);
+    for (const Track& t : s.Tracks) {
+      bytes += t.Bars.capacity() * sizeof(Cow<TrackBar>);
+      for (const Cow<TrackBar>& b : t.Bars) {
+        if (!seen_.insert(&*b).second) continue;
+        bytes += sizeof(TrackBar) + 16 /* shared_ptr control block */ +
+                 b->Beats.capacity() * sizeof(Beat);
+        for (const Beat& beat : b->Beats)
+          for (const NoteSlot& n : beat.Notes)
+            if (n.Fret.capacity() > 15) bytes += n.Fret.capacity() + 1;
+      }
+    }
+    return bytes;
+  }
+
+ private:
+  std::unordered_set<const void*> seen_;
+};
+
+void BM_UndoMemory_50Levels(benchmark::State& state) {
+  for (auto _ : state) {
+    const size_t heapStart = mallinfo2().uordblks;
+    View* v = new View;
+    const size_t heapDoc = mallinfo2().uordblks;
+    Footprint own;
+    const double docBytes = static_cast<double>(own.add(v->doc.score));
+    v->ctx.hooks.drawDocument = nullptr;  // memory only
+    // 50 one-note edits spread over the score, each a key press that the ring keeps.
+    for (int e = 0; e < 50; ++e) {
+      v->doc.CursorBar = static_cast<int16_t>(e * 19);
+      v->doc.CursorBeat = static_cast<int16_t>(e % 8);
+      v->doc.CursorString = static_cast<int16_t>(e % 6);
+      // A digit that really changes the slot ("1" and "2" take a second digit behind them).
+      const std::string& old = v->doc.score.note(0, v->doc.CursorBar, v->doc.CursorBeat, v->doc.CursorString).Fret;
+      int d = e % 10;
+      auto typed = [&](int digit) { return (old == "1" || old == "2" ? old : "") + std::to_string(digit); };
+      if (typed(d) == old) d = (d + 1) % 10;
+      picDocument_KeyDown(v->ctx, DigitKey(d), kNoModifier);
+    }
+    const size_t heapAfter = mallinfo2().uordblks;
+    Footprint all;
+    all.add(v->doc.score);
+    size_t ringBytes = 0;
+    int filled = 0;
+    for (const UndoEntry& u : v->ctx.undo.entries())
+      if (u.Filled) {
+        ringBytes += all.add(u.score);
+        ++filled;
+      }
+    state.counters["doc_MB"] = docBytes / 1e6;
+    state.counters["ring_MB"] = static_cast<double>(ringBytes) / 1e6;
+    state.counters["ring_per_doc"] = static_cast<double>(ringBytes) / docBytes;
+    // The same measured by the allocator: heap of the view (document, image, layout) and
+    // what the 50 edits added on top of it.
+    state.counters["heap_doc_MB"] = static_cast<double>(heapDoc - heapStart) / 1e6;
+    state.counters["heap_edits_MB"] = static_cast<double>(heapAfter - heapDoc) / 1e6;
+    state.counters["snapshots"] = filled;
+    delete v;
+  }
+}
+
+BENCHMARK(BM_KeyToRedraw_Fret)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_KeyToRedraw_CursorRight)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_KeyToRedraw_InsertDeleteBeat)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_UndoMemory_50Levels)->Iterations(1)->Unit(benchmark::kMillisecond);
+
+}  // namespace
+}  // namespace plectaro
+
+int main(int argc, char** argv) {
+  if (!std::getenv("QT_QPA_PLATFORM")) setenv("QT_QPA_PLATFORM", "offscreen", 1);
+  int qargc = 1;
+  char name[] = "bench_editing";
+  char* qargv[] = {name, nullptr};
+  QGuiApplication app(qargc, qargv);
+  benchmark::Initialize(&argc, argv);
+  benchmark::RunSpecifiedBenchmarks();
+  benchmark::Shutdown();
+  return 0;
+}
