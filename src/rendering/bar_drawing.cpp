@@ -283,7 +283,6 @@ class BarPainter {
         info_(bar < static_cast<int>(ctx.score.BarInfos.size()) ? &ctx.score.BarInfos[static_cast<size_t>(bar)] : nullptr),
         g_(tr_, y),
         x_(x),
-        y_(y),
         bar_(bar),
         width_(width),
         sig_(showsSignature(ctx, bar)),
@@ -319,7 +318,7 @@ class BarPainter {
   const TrackBar& tb_;
   const BarInfo* info_;
   RowGeometry g_;
-  double x_, y_;
+  double x_;
   int bar_;
   double width_;
   bool sig_;

@@ -1,0 +1,38 @@
+// Reads arbitrary music text and draws every track of it: the page layout and the drawing
+// must never crash, hang or overflow on values a file can hold, and a failed pass must leave
+// the Score as it was.
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+#include "rendering/draw_document.h"
+#include "rendering/recording_surface.h"
+#include "score/file_io.h"
+#include "score/music_file.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  using namespace plectaro;
+  std::string_view plain(reinterpret_cast<const char*>(data), size);
+  Document doc;
+  try {
+    if (ReadMusicText(plain, doc.score) != ReadOutcome::Ok) return 0;
+  } catch (const FileError&) {
+    return 0;
+  }
+  // Huge documents are legal but make each run slow without finding anything new.
+  for (const Track& t : doc.score.Tracks)
+    if (t.Bars.size() > 400) return 0;
+  const Score before = doc.score;
+  for (int t = 0; t <= doc.score.LastTrack() && t < 4; ++t) {
+    doc.CursorTrack = static_cast<int16_t>(t);
+    RecordingSurface surface;
+    ViewState view;
+    DrawDocument(doc, LayoutSettings{}, view, DrawTexts{}, surface);
+    view.VScroll = 40;
+    doc.FullRelayout = false;
+    DrawDocument(doc, LayoutSettings{}, view, DrawTexts{}, surface);
+    RenderPage(doc, t, 1, LayoutSettings{}, DrawTexts{}, surface);
+  }
+  if (!(doc.score == before)) __builtin_trap();
+  return 0;
+}
