@@ -2,6 +2,9 @@
 
 #include "score/file_io.h"
 #include "score/new_score.h"
+#include "score/value_text.h"
+
+#include <algorithm>
 #include "shell/qt_settings_store.h"
 
 namespace plectaro {
@@ -88,6 +91,9 @@ bool Session::start(const CommandLine& cmd, const std::vector<std::filesystem::p
   firstRun_ = !std::filesystem::exists(folder_.iniFile(), ec);
   LoadINISettings(ini_, folder_.iniFile());
   InitScore(doc_, *store_);
+  FretboardStyle = std::clamp<int>(ParseI32(store_->GetSetting("AESTHETIC", "DONOTCHANGE1", "0")), 0, 2);
+  FretboardMarker = ParseI32(store_->GetSetting("AESTHETIC", "DONOTCHANGE2", "0")) != 0 ? 1 : 0;
+  startAddress_ = cmd.webAddress;
   // Nothing to lose in the empty document of a fresh start.
   doc_.ScoreChanged = false;
 
@@ -115,6 +121,8 @@ bool Session::start(const CommandLine& cmd, const std::vector<std::filesystem::p
 }
 
 void Session::shutdown() {
+  store_->SaveSetting("AESTHETIC", "DONOTCHANGE1", std::to_string(FretboardStyle));
+  store_->SaveSetting("AESTHETIC", "DONOTCHANGE2", std::to_string(FretboardMarker));
   store_->sync();
   try {
     SaveINISettings(ini_, folder_.iniFile());

@@ -60,6 +60,11 @@ class Session {
   FileCommands& files() { return files_; }
   Prompter& prompter() { return prompter_; }
   bool firstRun() const { return firstRun_; }
+  // A web address given at start, for the import of tab from a web page.
+  const std::string& StartAddress() const { return startAddress_; }
+  // The virtual fretboard's picture style (0 to 2) and marker colour, kept between runs.
+  int FretboardStyle = 0;
+  int FretboardMarker = 0;
   std::filesystem::path languageFile() const { return folder_.data() / "CurrentLanguage.txt"; }
 
  private:
@@ -71,6 +76,7 @@ class Session {
   Document doc_;
   FileCommands files_;
   bool firstRun_ = false;
+  std::string startAddress_;
 };
 
 }  // namespace plectaro

@@ -1,6 +1,9 @@
 #include "shell/session.h"
+#include "shell/tempo_name.h"
 
 #include <gtest/gtest.h>
+
+#include <cmath>
 
 #include "score/file_io.h"
 #include "score/new_score.h"
@@ -56,6 +59,7 @@ TEST(Session, FirstRunWritesTheSettingsAndALaterRunReadsThem) {
     s.ini().UndoLevels = 7;
     s.ini().ToolbarVisible[5] = false;
     s.settings().SaveSetting(kDefaultInfoSection, "3", "Me");
+    s.FretboardStyle = 2;
     s.shutdown();
   }
   {
@@ -65,6 +69,7 @@ TEST(Session, FirstRunWritesTheSettingsAndALaterRunReadsThem) {
     EXPECT_EQ(s.ini().UndoLevels, 7);
     EXPECT_FALSE(s.ini().ToolbarVisible[5]);
     EXPECT_EQ(s.doc().score.Author, "Me");
+    EXPECT_EQ(s.FretboardStyle, 2);
   }
   EXPECT_TRUE(prompter.asked().empty());
 }
@@ -75,7 +80,9 @@ TEST(Session, OpensTheCommandLineFileAndSwitchesLanguage) {
   Session s(ResolveAppFolder(home.path().string()), prompter);
   CommandLine cmd;
   cmd.file = (testing::SourceData() / "examples" / "riff.plm").string();
+  cmd.webAddress = "https://tabs.example/song";
   ASSERT_TRUE(s.start(cmd, seeds()));
+  EXPECT_EQ(s.StartAddress(), cmd.webAddress);
   EXPECT_NE(s.doc().score.Title, "Untitled");
   EXPECT_EQ(s.ini().RecentFiles[0], cmd.file);
 
@@ -89,6 +96,16 @@ TEST(Session, OpensTheCommandLineFileAndSwitchesLanguage) {
   EXPECT_FALSE(s.chooseLanguage("Klingon"));
   EXPECT_EQ(prompter.asked().size(), 1u);
   EXPECT_EQ(ReadWholeFile(s.languageFile()), german);
+}
+
+TEST(TempoName, WordsFollowTheTempo) {
+  const std::pair<double, const char*> cases[] = {
+      {1, "(Grave)"},      {39.9, "(Grave)"},    {40, "(Largo)"},      {60, "(Lento)"},
+      {70, "(Adagio)"},    {76, "(Andante)"},    {112, "(Moderato)"},  {120, "(allegro)"},
+      {199, "(Presto)"},   {200, "(Prestissimo)"}, {1e9, "(Prestissimo)"}, {-5, "(Grave)"},
+  };
+  for (const auto& [bpm, name] : cases) EXPECT_EQ(TempoName(bpm), name) << bpm;
+  EXPECT_EQ(TempoName(std::nan("")), "");
 }
 
 TEST(Session, ADamagedSettingsFileStartsWithWhatItCanRead) {

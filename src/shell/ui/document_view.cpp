@@ -68,6 +68,8 @@ void DocumentView::applyScroll(int vMax, int vPage, int vStep, int hMax, bool hE
 
 void DocumentView::paintEvent(QPaintEvent*) {
   inPaint_ = true;
+  const int vBefore = verticalScrollBar()->value();
+  const int hBefore = horizontalScrollBar()->value();
   QPainter painter(viewport());
   painter.setRenderHint(QPainter::Antialiasing, true);
   painter.setRenderHint(QPainter::TextAntialiasing, true);
@@ -132,6 +134,10 @@ void DocumentView::paintEvent(QPaintEvent*) {
   doc_.FullRelayout = false;
 #endif
   inPaint_ = false;
+  // New ranges may have moved a scroll bar (a shorter document, a wider window): this picture
+  // was drawn at the old place, so draw again at the new one.
+  if (verticalScrollBar()->value() != vBefore || horizontalScrollBar()->value() != hBefore)
+    QMetaObject::invokeMethod(viewport(), qOverload<>(&QWidget::update), Qt::QueuedConnection);
   last_ = status;
   emit drawn(status);
   if (!painted_) {

@@ -354,6 +354,8 @@ void MainWindow::applyTexts() {
 }
 
 void MainWindow::restoreToolbars() {
+  const std::string geometry = session_.settings().GetSetting("Window", "Geometry");
+  if (!geometry.empty()) restoreGeometry(QByteArray::fromBase64(QByteArray::fromStdString(geometry)));
   const IniSettings& ini = session_.ini();
   for (int i = 0; i < kToolbarCount; ++i) {
     QToolBar* tb = toolbars_[static_cast<size_t>(i)];
@@ -463,6 +465,7 @@ void MainWindow::closeEvent(QCloseEvent* e) {
     return;
   }
   storeToolbars();
+  session_.settings().SaveSetting("Window", "Geometry", saveGeometry().toBase64().toStdString());
   session_.shutdown();
   e->accept();
 }

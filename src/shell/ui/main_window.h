@@ -32,7 +32,7 @@ class MainWindow : public QMainWindow {
   QAction* action(const QString& name) const;
   QToolBar* toolbar(int index) const { return toolbars_[static_cast<size_t>(index)]; }
 
-  // Restores and stores the toolbars as PL4.ini describes them.
+  // Restores and stores the toolbars as PL4.ini describes them, and the window's place.
   void restoreToolbars();
   void storeToolbars();
 
