@@ -41,12 +41,14 @@ TEST(QtClock, PeriodicTimerFiresInOrderAndStops) {
     else timer->setInterval(5);  // restarting from its own handler, as the scheduler does
   });
   timer->setInterval(5);
+  const double start = clock.nowMs();
   timer->setEnabled(true);
   Pump([&] { return !timer->armed(); });
   ASSERT_EQ(fired.size(), 20u);
   EXPECT_TRUE(std::is_sorted(fired.begin(), fired.end()));
-  // Never early: each firing comes at or after its grid point.
-  for (size_t i = 0; i < fired.size(); ++i) EXPECT_GE(fired[i] + 0.05, fired[0] + 5.0 * static_cast<double>(i));
+  // Never early: each firing comes at or after its point on the grid of the start (late ones
+  // are the machine's business, not this test's).
+  for (size_t i = 0; i < fired.size(); ++i) EXPECT_GE(fired[i], start + 5.0 * static_cast<double>(i + 1));
 }
 
 TEST(QtClock, AStoppedTimerNeverFires) {
