@@ -337,7 +337,8 @@ void BarPainter::frame() {
     // the narrow lead-in of a plain bar.
     const bool rowStart = bar_ < static_cast<int>(ctx_.layout.size()) &&
                           ctx_.layout[static_cast<size_t>(bar_)].RowFirstBar == bar_ && bar_ > 0;
-    if (!rowStart) return;
+    // An opening repeat takes the whole lead-in; the row then starts with the repeat sign.
+    if (!rowStart || (info_ && info_->RepeatOpen)) return;
     if (g_.treble && !tr_.DrumTrack) drawTrebleClef(s_, x_ + 2, g_.trebleTop, line_, 0.62);
     if (g_.bass && !tr_.DrumTrack) drawBassClef(s_, x_ + 2, g_.bassTop, line_, 0.7);
     if (g_.tab) {
