@@ -101,9 +101,16 @@ int FluidSynthOut::openDevice(int deviceNumber) {
     impl_ = std::move(impl);
   }
   if (config_.Live && !impl_->driver) {
+    // The build's default audio system first, then the others a desktop may run.
     impl_->driver = new_fluid_audio_driver(impl_->settings, impl_->synth);
+    std::string why = impl_->driver ? std::string() : takeFluidError();
+    for (const char* name : {"pulseaudio", "pipewire", "alsa", "jack", "sdl2"}) {
+      if (impl_->driver) break;
+      if (fluid_settings_setstr(impl_->settings, "audio.driver", name) != FLUID_OK) continue;
+      impl_->driver = new_fluid_audio_driver(impl_->settings, impl_->synth);
+      takeFluidError();
+    }
     if (!impl_->driver) {
-      std::string why = takeFluidError();
       failure_ = "there is no sound: the built-in synthesizer cannot open an audio output" +
                  (why.empty() ? std::string() : " (" + why + ")");
       return kMidiOpenFailed;

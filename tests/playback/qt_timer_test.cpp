@@ -78,6 +78,7 @@ TEST(Player, PlaysASnapshotAndReportsTheMarker) {
 
   QSignalSpy moved(&player, &Player::playMarkerMoved);
   QSignalSpy playing(&player, &Player::playingChanged);
+  QSignalSpy follow(&player, &Player::followBar);
   player.playFromHere(doc);
   EXPECT_TRUE(player.isPlaying());
   doc.score = Score();  // editing the document does not disturb what plays
@@ -92,6 +93,8 @@ TEST(Player, PlaysASnapshotAndReportsTheMarker) {
   EXPECT_EQ(moved[0], (QList<QVariant>{411, 420, true}));
   EXPECT_EQ(moved[3], (QList<QVariant>{400 + 3 * 60 + 11, 420, true}));
   EXPECT_EQ(moved.back()[2].toBool(), false);  // hidden at the end
+  ASSERT_EQ(follow.size(), 1);  // scrolled once, to bar 1
+  EXPECT_EQ(follow[0][0].toInt(), 1);
   ASSERT_EQ(playing.size(), 2);
   EXPECT_EQ(playing[0][0].toBool(), true);
   EXPECT_EQ(playing[1][0].toBool(), false);

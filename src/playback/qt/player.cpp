@@ -54,7 +54,12 @@ void Player::wire() {
       emit playMarkerMoved(pos.Left, pos.Top, visible && pos.Known);
     }
   };
-  scheduler_->hooks.follow = [this](int bar) { emit followBar(bar); };
+  scheduler_->hooks.follow = [this](int bar) {
+    // The scheduler asks on the first two steps of a bar; the view needs to scroll once.
+    if (bar == lastFollowBar_) return;
+    lastFollowBar_ = bar;
+    emit followBar(bar);
+  };
   scheduler_->hooks.stopped = [this] {
     emit playMarkerMoved(0, 0, false);
     emit playingChanged(false);
@@ -116,6 +121,7 @@ void Player::play(const Document& doc, int startBar, int endBar) {
   shown_ = &doc;
   options_.CurrentTrack = doc.CursorTrack;
   scheduler_->options = options_;
+  lastFollowBar_ = -1;
   scheduler_->PlayTab(snapshot_, startBar, endBar);
   if (scheduler_->playing()) emit playingChanged(true);
   reportSilence();

@@ -93,6 +93,7 @@ class Player : public QObject {
   Score snapshot_;
   const Document* shown_ = nullptr;  // for marker geometry; only read while playing
   std::vector<MidiDeviceInfo> list_;
+  int lastFollowBar_ = -1;
 };
 
 }  // namespace plectaro
