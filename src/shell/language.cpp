@@ -139,18 +139,25 @@ std::string WriteLanguageFile(const std::vector<LanguageSection>& table,
   return out;
 }
 
-LanguageTexts LoadLanguage(std::string_view fileBytes, std::string_view form) {
+namespace {
+
+LanguageTexts loadSection(const std::vector<std::string_view>& lines, std::string_view form) {
   LanguageTexts texts;
   const int start = SectionStartLine(form);
   const LanguageSection* sec = findSection(form);
   if (start == 0 || !sec) return texts;
-  const auto lines = splitLines(fileBytes);
   size_t n = static_cast<size_t>(start - 1);
   for (const auto& [key, english] : sec->entries) {
     if (n >= lines.size()) break;
     texts[key] = Cp1252ToUtf8(lines[n++]);
   }
   return texts;
+}
+
+}  // namespace
+
+LanguageTexts LoadLanguage(std::string_view fileBytes, std::string_view form) {
+  return loadSection(splitLines(fileBytes), form);
 }
 
 LanguageTexts LoadLanguageFile(const std::filesystem::path& file, std::string_view form) {
@@ -175,8 +182,9 @@ Messages::Messages() {
 }
 
 void Messages::load(std::string_view fileBytes) {
+  const auto lines = splitLines(fileBytes);
   for (const auto& s : EnglishTable()) {
-    for (auto& [k, v] : LoadLanguage(fileBytes, s.form)) {
+    for (auto& [k, v] : loadSection(lines, s.form)) {
       // A blank line would leave a message box without words; keep the English one then.
       if (v.empty()) continue;
       if (isMessageKey(k)) texts_[k] = v;
