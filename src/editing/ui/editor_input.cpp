@@ -1,0 +1,130 @@
+#include "editing/ui/editor_input.h"
+
+#include <QAbstractScrollArea>
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QScrollBar>
+
+#include "editing/hit_test.h"
+#include "editing/key_map.h"
+
+namespace plectaro {
+
+namespace {
+
+// Shift+digit arrives as the shifted symbol. The X keyboard's key codes of the digit row tell
+// the digit on any layout; the US symbols are the fallback (offscreen and other platforms).
+std::optional<int> digitOfShiftedKey(const QKeyEvent& e) {
+  const quint32 code = e.nativeScanCode();
+  if (code >= 10 && code <= 19) return code == 19 ? 0 : static_cast<int>(code) - 9;
+  switch (e.key()) {
+    case Qt::Key_Exclam: return 1;
+    case Qt::Key_At: return 2;
+    case Qt::Key_NumberSign: return 3;
+    case Qt::Key_Dollar: return 4;
+    case Qt::Key_Percent: return 5;
+    case Qt::Key_AsciiCircum: return 6;
+    case Qt::Key_Ampersand: return 7;
+    case Qt::Key_Asterisk: return 8;
+    case Qt::Key_ParenLeft: return 9;
+    case Qt::Key_ParenRight: return 0;
+    default: return std::nullopt;
+  }
+}
+
+}  // namespace
+
+std::optional<KeyPress> KeyPressFromQt(const QKeyEvent& e) {
+  KeyPress k;
+  const Qt::KeyboardModifiers m = e.modifiers();
+  if (m & Qt::ShiftModifier) k.mods |= kShift;
+  if (m & Qt::ControlModifier) k.mods |= kCtrl;
+  if (m & Qt::AltModifier) k.mods |= kAlt;
+  const bool keypad = (m & Qt::KeypadModifier) != 0;
+  const int key = e.key();
+  if (key >= Qt::Key_0 && key <= Qt::Key_9) {
+    k.key = keypad ? static_cast<Key>(static_cast<int>(Key::Numpad0) + key - Qt::Key_0)
+                   : DigitKey(key - Qt::Key_0);
+    return k;
+  }
+  if (key >= Qt::Key_A && key <= Qt::Key_Z) {
+    k.key = static_cast<Key>(static_cast<int>(Key::A) + key - Qt::Key_A);
+    return k;
+  }
+  switch (key) {
+    case Qt::Key_Left: k.key = Key::Left; return k;
+    case Qt::Key_Right: k.key = Key::Right; return k;
+    case Qt::Key_Up: k.key = Key::Up; return k;
+    case Qt::Key_Down: k.key = Key::Down; return k;
+    case Qt::Key_Return: case Qt::Key_Enter: k.key = Key::Enter; return k;
+    case Qt::Key_Space: k.key = Key::Space; return k;
+    case Qt::Key_Delete: k.key = Key::Delete; return k;
+    case Qt::Key_Insert: k.key = Key::Insert; return k;
+    case Qt::Key_Escape: k.key = Key::Escape; return k;
+    case Qt::Key_Period: if (keypad) return std::nullopt; k.key = Key::Period; return k;
+    case Qt::Key_Plus:
+      k.key = Key::NumpadPlus;
+      if (!keypad) k.mods |= kShift;  // main-row "+" is Shift+"=": the semitone step
+      return k;
+    case Qt::Key_Minus:
+      k.key = Key::NumpadMinus;
+      return k;
+    case Qt::Key_Equal:
+      k.key = Key::NumpadPlus;
+      k.mods &= ~static_cast<unsigned>(kShift);
+      return k;
+    case Qt::Key_Underscore:
+      k.key = Key::NumpadMinus;
+      k.mods |= kShift;
+      return k;
+    default: break;
+  }
+  if (k.mods & kShift) {
+    if (auto d = digitOfShiftedKey(e)) {
+      k.key = DigitKey(*d);
+      return k;
+    }
+  }
+  return std::nullopt;
+}
+
+EditorInput::EditorInput(QAbstractScrollArea* view, EditContext& ctx)
+    : QObject(view), view_(view), viewport_(view->viewport()), ctx_(ctx) {
+  view->installEventFilter(this);
+  viewport_->installEventFilter(this);
+}
+
+bool EditorInput::eventFilter(QObject* watched, QEvent* event) {
+  if (watched == view_ && event->type() == QEvent::KeyPress) {
+    auto* ke = static_cast<QKeyEvent*>(event);
+    const auto k = KeyPressFromQt(*ke);
+    if (!k) return false;
+    follow_ = true;
+    return picDocument_KeyDown(ctx_, k->key, k->mods);
+  }
+  // Compared by pointer only: while the view is being destroyed its viewport still sends
+  // events, and the view must not be asked for anything then.
+  if (watched == viewport_ && event->type() == QEvent::MouseButtonPress) {
+    auto* me = static_cast<QMouseEvent*>(event);
+    const MouseButton b = me->button() == Qt::RightButton ? MouseButton::Right
+                          : me->button() == Qt::MiddleButton ? MouseButton::Middle
+                                                             : MouseButton::Left;
+    Modifiers mods = 0;
+    if (me->modifiers() & Qt::ShiftModifier) mods |= kShift;
+    if (me->modifiers() & Qt::ControlModifier) mods |= kCtrl;
+    view_->setFocus(Qt::MouseFocusReason);
+    picDocument_MouseDown(ctx_, b, mods, me->position().x(), me->position().y());
+    return true;
+  }
+  return false;
+}
+
+void EditorInput::afterDraw() {
+  if (!follow_) return;
+  follow_ = false;
+  QScrollBar* v = view_->verticalScrollBar();
+  const int want = ScrollToShowCursor(ctx_.doc, v->value(), viewport_->height());
+  if (want != v->value()) v->setValue(want);
+}
+
+}  // namespace plectaro

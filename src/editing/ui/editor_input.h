@@ -1,0 +1,43 @@
+// The document picture's keys and clicks, handed to the editor. Install one EditorInput on the
+// window's document view; it turns Qt key events into the editor's keys (the way Shift+digit,
+// the keypad and the laptop's main-row + and - arrive differs by keyboard), clicks into
+// picDocument_MouseDown, and after an edit keeps the cursor's row in sight.
+#pragma once
+
+#include <QObject>
+#include <optional>
+
+#include "editing/edit_context.h"
+#include "editing/keys.h"
+
+class QAbstractScrollArea;
+class QKeyEvent;
+
+namespace plectaro {
+
+// The editor's key for a Qt key event; nullopt for keys the editor has no use for.
+// Keypad + and - are the length keys (with Shift: +1 / -1 semitone). On the main row, "=" and
+// "-" are the length keys and "+" and "_" the semitone keys, for keyboards without a keypad.
+std::optional<KeyPress> KeyPressFromQt(const QKeyEvent& e);
+
+class EditorInput : public QObject {
+  Q_OBJECT
+ public:
+  // Filters the view's key events and its viewport's mouse presses.
+  EditorInput(QAbstractScrollArea* view, EditContext& ctx);
+
+  // Call after every draw of the view (the view's drawn signal): when a key or click moved
+  // the cursor, the vertical scroll bar is moved so that the cursor's row is in sight.
+  void afterDraw();
+
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+  QAbstractScrollArea* view_;
+  QWidget* viewport_;
+  EditContext& ctx_;
+  bool follow_ = false;
+};
+
+}  // namespace plectaro

@@ -1,0 +1,29 @@
+// The editor wired into the main window the way the window will do it itself: keys and clicks
+// of the document view through EditorInput, redraws through the window, the password through
+// the file commands. Shared by the GUI test and the playground.
+#pragma once
+
+#include <memory>
+
+#include "editing/ui/editor_input.h"
+#include "shell/session.h"
+#include "shell/ui/document_view.h"
+#include "shell/ui/main_window.h"
+
+namespace plectaro::test {
+
+struct WiredWindow {
+  explicit WiredWindow(Session& session)
+      : window(session), ctx(session.doc(), session.prompter()) {
+    ctx.hooks.drawDocument = [this] { window.DrawDocument(); };
+    ctx.hooks.passwordCorrect = [&session] { return session.files().PasswordCorrect(); };
+    ctx.hooks.text = [&session](std::string_view key) { return session.messages().str(key); };
+    input = new EditorInput(window.view(), ctx);
+    QObject::connect(window.view(), &DocumentView::drawn, input, [this] { input->afterDraw(); });
+  }
+  MainWindow window;
+  EditContext ctx;
+  EditorInput* input = nullptr;  // owned by the view
+};
+
+}  // namespace plectaro::test
