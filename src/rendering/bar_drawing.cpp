@@ -720,11 +720,14 @@ void BarPainter::notationLayer(bool bassStaff) {
     if (b.IsTuplet && b.Tuplet >= 0 && b.Tuplet < kTupletKinds) {
       if (gi < 0 || groups[static_cast<size_t>(gi)].first == static_cast<int>(k)) {
         double mid = c;
-        double ty = r[k].top - 30;
+        double ty = std::min(r[k].top - 30, staffTop - 9);
         if (gi >= 0) {
           const BeamGroup& gr = groups[static_cast<size_t>(gi)];
           mid = (c + cx(gr.last)) / 2;
-          ty = gr.up ? gr.tip - 10 : r[k].top - 12;
+          double highest = staffTop;
+          for (int j = gr.first; j <= gr.last; ++j) highest = std::min(highest, r[static_cast<size_t>(j)].top - 4);
+          // Over the beam when the stems rise, else over the highest head and the staff.
+          ty = (gr.up ? std::min(gr.tip, highest) : highest) - 9;
         }
         centredText(s_, mid, ty, std::to_string(kTupletNotes[static_cast<size_t>(b.Tuplet)]), small, note_);
       }
@@ -857,7 +860,9 @@ void BarPainter::aboveSigns(int k) {
     y -= 14;
   }
   // Texts, chords and go-to names stand over the whole row.
-  double top = g_.firstLine - 6;
+  // Clear of the stems that rise above a notation staff.
+  const double over = (g_.treble || g_.bass) && !tr_.DrumTrack ? 26 : 6;
+  double top = g_.firstLine - over;
   auto topText = [&](const std::string& text, const Font& f, Color col) {
     const TextMetrics m = s_.measureText(text, f);
     top -= m.height();
@@ -978,7 +983,8 @@ void BarPainter::marks() {
     s_.drawText({right - m.width - 2, g_.firstLine - m.height() - 2}, count, f, note_);
   }
   const Font arial = plainFont(kArial, 7, true);
-  double ry = g_.firstLine - (bi.RepeatClose > 0 ? 16 : 4);
+  const double over = g_.treble || g_.bass ? 22 : 0;
+  double ry = g_.firstLine - over - (bi.RepeatClose > 0 ? 16 : 4);
   auto rightText = [&](const char* text) {
     const TextMetrics m = s_.measureText(text, arial);
     ry -= m.height();
@@ -987,7 +993,7 @@ void BarPainter::marks() {
   if (bi.DSAlCoda) rightText("D.S. Al Coda");
   if (bi.ToCoda) rightText("To Coda");
   double lx = x_ + 4;
-  const double signY = g_.firstLine - 20;
+  const double signY = g_.firstLine - over - 12;
   if (bi.Sign) {
     // Segno: a slanted S with a stroke through it and a dot on each side.
     const Font f = plainFont("Times New Roman", 13, true);

@@ -318,3 +318,23 @@ TEST(Helpers, BlendHarmonicAndBendTexts) {
 
 }  // namespace
 }  // namespace plectaro
+
+namespace plectaro {
+namespace {
+
+TEST(DrawBar, TupletNumberOverTheNotationAndUnderTheTab) {
+  Document doc = test::MakeDoc(1, 3, true, false, true);
+  for (int k = 0; k < 3; ++k) {
+    Beat& b = doc.score.beatMut(0, 0, k);
+    b.Length = kEighth;
+    b.IsTuplet = true;
+    b.Notes[0].Fret = std::to_string(5 + k);
+  }
+  const RecordingSurface s = drawBar0(doc);
+  int threes = 0;
+  for (const std::string& t : s.texts()) threes += t == "3";
+  EXPECT_EQ(threes, 2);
+}
+
+}  // namespace
+}  // namespace plectaro
