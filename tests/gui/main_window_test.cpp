@@ -14,7 +14,10 @@
 #include <QSet>
 #include <QTabWidget>
 #include <QTest>
+#include <QMimeData>
 #include <QTimer>
+#include <QWheelEvent>
+#include <QDropEvent>
 #include <functional>
 #include <QToolBar>
 #include <memory>
@@ -274,6 +277,34 @@ TEST_F(MainWindowTest, TheLanguageFileInForceNamesTheMenus) {
   EXPECT_EQ(window->menuBar()->actions().first()->text(), "&Datei");
 }
 
+TEST_F(MainWindowTest, AFileDroppedOnTheWindowOpensAfterAsking) {
+  start();
+  EXPECT_TRUE(act("mnuFileOpenRecentNone")->isVisible());
+  session->doc().score.Title = "Draft";
+  session->doc().touched();
+  auto drop = [&](const QList<QUrl>& urls) {
+    QMimeData mime;
+    mime.setUrls(urls);
+    // Straight to the window's handler: the application's drag bookkeeping wants a real drag.
+    QDropEvent e(QPointF(100, 100), Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
+    static_cast<QObject*>(window.get())->event(&e);
+  };
+  prompter.push(Answer::Cancel);
+  drop({QUrl::fromLocalFile(QString::fromStdString(demo()))});
+  EXPECT_EQ(session->doc().score.Title, "Draft");
+  prompter.push(Answer::No);
+  drop({QUrl::fromLocalFile(QString::fromStdString(demo()))});
+  EXPECT_NE(session->doc().score.Title, "Draft");
+  EXPECT_EQ(session->doc().score.CurrentFileName, demo());
+  EXPECT_FALSE(act("mnuFileOpenRecentNone")->isVisible());
+  // Several files at once: one message, nothing opened.
+  const size_t asked = prompter.asked().size();
+  drop({QUrl::fromLocalFile("/a.plm"), QUrl::fromLocalFile("/b.plm")});
+  EXPECT_EQ(prompter.asked().size(), asked + 1);
+  EXPECT_EQ(session->doc().score.CurrentFileName, demo());
+  EXPECT_EQ(prompter.pending(), 0u);
+}
+
 TEST_F(MainWindowTest, TheViewPaintsTheSongWithScrollRangesAndStatus) {
   start(demo());
   window->resize(900, 600);
@@ -285,6 +316,14 @@ TEST_F(MainWindowTest, TheViewPaintsTheSongWithScrollRangesAndStatus) {
   EXPECT_TRUE(timing->text().contains("64ths"));
   // A page is higher than the window: there is somewhere to scroll to.
   EXPECT_GT(window->view()->verticalScrollBar()->maximum(), 0);
+  // The mouse wheel scrolls down the page.
+  QScrollBar* v = window->view()->verticalScrollBar();
+  const int top = v->value();
+  QWheelEvent wheel(QPointF(200, 200), window->view()->viewport()->mapToGlobal(QPointF(200, 200)),
+                    QPoint(), QPoint(0, -120), Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase,
+                    false);
+  QCoreApplication::sendEvent(window->view()->viewport(), &wheel);
+  EXPECT_GT(v->value(), top);
   const int before = session->doc().CursorBar;
   act("mnuBarNext")->trigger();
   EXPECT_EQ(session->doc().CursorBar, before + 1);

@@ -1,5 +1,7 @@
 #include "shell/ui/main_window.h"
 
+#include <algorithm>
+
 #include <QAction>
 #include <QApplication>
 #include <QCloseEvent>
@@ -151,6 +153,7 @@ void MainWindow::buildMenus() {
         recent, ("mnuFileOpenRecentItem" + std::to_string(i)).c_str(),
         [&files, i] { files.mnuFileOpenRecentItem_Click(i); });
   }
+  recentNone_ = item(recent, "mnuFileOpenRecentNone");
   file->addSeparator();
   item(file, "mnuFileSave", [&files] { files.mnuFileSave_Click(); }, QKeySequence(Qt::CTRL | Qt::Key_S));
   item(file, "mnuFileSaveAs", [&files] { files.mnuFileSaveAs_Click(); },
@@ -354,19 +357,28 @@ void MainWindow::applyTexts() {
 }
 
 void MainWindow::restoreToolbars() {
-  const std::string geometry = session_.settings().GetSetting("Window", "Geometry");
+  SettingsStore& st = session_.settings();
+  const std::string geometry = st.GetSetting("Window", "Geometry");
   if (!geometry.empty()) restoreGeometry(QByteArray::fromBase64(QByteArray::fromStdString(geometry)));
   const IniSettings& ini = session_.ini();
+  for (int i = 0; i < kToolbarCount; ++i)
+    addToolBar(areaOf(ini.FloatBars[static_cast<size_t>(i)].Area), toolbars_[static_cast<size_t>(i)]);
+  // The window's own record puts the bars back exactly (order, rows, floating places); PL4.ini
+  // then rules on what it describes, so a hand edit of the file takes effect.
+  const std::string state = st.GetSetting("Window", "ToolbarState");
+  if (!state.empty()) restoreState(QByteArray::fromBase64(QByteArray::fromStdString(state)));
   for (int i = 0; i < kToolbarCount; ++i) {
-    QToolBar* tb = toolbars_[static_cast<size_t>(i)];
-    const FloatBarPlace& p = ini.FloatBars[static_cast<size_t>(i)];
-    addToolBar(areaOf(p.Area), tb);
-    if (!ini.ToolbarDocked[static_cast<size_t>(i)]) {
-      // A floating bar is a tool window of its own at its stored screen place.
+    const auto k = static_cast<size_t>(i);
+    QToolBar* tb = toolbars_[k];
+    const FloatBarPlace& p = ini.FloatBars[k];
+    if (ini.ToolbarDocked[k] && tb->isFloating()) {
+      addToolBar(areaOf(p.Area), tb);
+    } else if (!ini.ToolbarDocked[k] && !tb->isFloating()) {
+      // A floating bar is a small tool window of its own at its stored screen place.
       tb->setWindowFlags(Qt::Tool | Qt::FramelessWindowHint);
       tb->move(p.Left, p.Top);
     }
-    tb->setVisible(ini.ToolbarVisible[static_cast<size_t>(i)]);
+    tb->setVisible(ini.ToolbarVisible[k]);
   }
 }
 
@@ -406,6 +418,10 @@ void MainWindow::UpdateRecentFiles() {
     a->setText(QString("- %1 %2").arg(i + 1).arg(q(path)));
     a->setVisible(!path.empty());
   }
+  // An empty submenu looks broken; say there is nothing yet.
+  recentNone_->setText(str("str_NoFiles"));
+  recentNone_->setVisible(std::all_of(list.begin(), list.end(),
+                                      [](const std::string& p) { return p.empty(); }));
 }
 
 void MainWindow::showStatus(const ViewStatus& s) {
@@ -466,6 +482,7 @@ void MainWindow::closeEvent(QCloseEvent* e) {
   }
   storeToolbars();
   session_.settings().SaveSetting("Window", "Geometry", saveGeometry().toBase64().toStdString());
+  session_.settings().SaveSetting("Window", "ToolbarState", saveState().toBase64().toStdString());
   session_.shutdown();
   e->accept();
 }

@@ -49,6 +49,7 @@ class MainWindow : public QMainWindow {
   DocumentView* view_ = nullptr;
   std::array<QToolBar*, kToolbarCount> toolbars_{};
   std::array<QAction*, kRecentFileCount> recent_{};
+  QAction* recentNone_ = nullptr;
   QLabel* sbTiming_ = nullptr;
   QLabel* sbFill_ = nullptr;
   QLabel* sbPages_ = nullptr;
