@@ -975,15 +975,16 @@ void BarPainter::marks() {
     repeatSign(lx, lx + 3.5, lx + 7);
   }
   const double right = x_ + width_;
+  // Above the stems and heads that rise over a notation staff.
+  const double over = g_.treble || g_.bass ? 22 : 0;
   if (bi.RepeatClose > 0) {
     repeatSign(right - 1.5, right - 5, right - 9);
     const std::string count = "x" + std::to_string(bi.RepeatClose);
     const Font f = plainFont(kSmallFonts, 6, true);
     const TextMetrics m = s_.measureText(count, f);
-    s_.drawText({right - m.width - 2, g_.firstLine - m.height() - 2}, count, f, note_);
+    s_.drawText({right - m.width - 2, g_.firstLine - over - m.height() - 2}, count, f, note_);
   }
   const Font arial = plainFont(kArial, 7, true);
-  const double over = g_.treble || g_.bass ? 22 : 0;
   double ry = g_.firstLine - over - (bi.RepeatClose > 0 ? 16 : 4);
   auto rightText = [&](const char* text) {
     const TextMetrics m = s_.measureText(text, arial);
