@@ -124,7 +124,11 @@ void EditorInput::afterDraw() {
   follow_ = false;
   QScrollBar* v = view_->verticalScrollBar();
   const int want = ScrollToShowCursor(ctx_.doc, v->value(), viewport_->height());
-  if (want != v->value()) v->setValue(want);
+  if (want == v->value()) return;
+  // The stored bar positions are those of the old scroll value: lay out afresh, so that the
+  // drawing and the next click see where the bars now stand.
+  ctx_.doc.FullRelayout = true;
+  v->setValue(want);
 }
 
 }  // namespace plectaro
