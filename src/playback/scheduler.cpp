@@ -142,7 +142,10 @@ void Scheduler::PlayTimer_Timer() {
   PlayStep();
 }
 
-void Scheduler::resetBeats() { std::fill(trackBeat_.begin(), trackBeat_.end(), int16_t{-1}); }
+void Scheduler::resetBeats() {
+  std::fill(trackBeat_.begin(), trackBeat_.end(), int16_t{-1});
+  barRestarted_ = true;
+}
 
 void Scheduler::PlayStep() {
   const Score& s = *score_;
@@ -164,7 +167,7 @@ void Scheduler::PlayStep() {
       trackBeat_[static_cast<size_t>(cur)] == 0 && trackElapsed_[static_cast<size_t>(cur)] <= 1)
     hooks.follow(cursorBar_);
 
-  const int16_t barAtStart = cursorBar_;
+  barRestarted_ = false;
   for (int t = 0; t <= lastTrack; ++t) {
     const size_t ti = static_cast<size_t>(t);
     if (t == lastTrack) {
@@ -209,10 +212,11 @@ void Scheduler::PlayStep() {
     if (trackElapsed_[ti] == 0 && !startBeat(t, lastTrack)) return;
     trackElapsed_[ti] += 1;
 
-    // When the last track has moved to another bar, the tracks before it were already
+    // When the last track has moved to another bar (or back to the start of the same one), the
+    // tracks before it were already
     // served this step, still in the old bar; start them on the new bar now, so that all
     // tracks begin a bar together instead of the earlier ones lagging by one step.
-    if (t == lastTrack && cursorBar_ != barAtStart) {
+    if (t == lastTrack && barRestarted_) {
       for (int e = 0; e < lastTrack; ++e) {
         const size_t ei = static_cast<size_t>(e);
         trackBeat_[ei] = 0;

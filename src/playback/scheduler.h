@@ -106,6 +106,7 @@ class Scheduler {
   int16_t trainerTempo_ = 0;
   int16_t trainerLoopsLeft_ = 0;
   int recursion_ = 0;
+  bool barRestarted_ = false;  // the last track began a bar during this step
 };
 
 // The last bar (highest index) with the segno or the coda flag; 0 if none.

@@ -6,8 +6,6 @@
 #include <array>
 #include <cstdio>
 #include <filesystem>
-#include <regex>
-#include <sstream>
 
 #include "playback/offline_play.h"
 #include "score/file_io.h"
@@ -69,9 +67,6 @@ TEST_F(PlayVerb, TraceIsTheSchedulersStream) {
   std::string out;
   ASSERT_EQ(run("play '" + file() + "' --trace", out), 0) << err();
   EXPECT_EQ(out, Lines(TraceSong(song_, 0, 2, {.FollowPlayback = false})));
-  const std::regex line(R"(\d+\.\d{3} [0-9A-F]{2} \d{1,3} \d{1,3})");
-  std::istringstream in(out);
-  for (std::string l; std::getline(in, l);) EXPECT_TRUE(std::regex_match(l, line)) << l;
 }
 
 TEST_F(PlayVerb, BarsAndTracksCountFromOne) {

@@ -116,13 +116,22 @@ void Player::playFromStart(const Document& doc) {
 }
 
 void Player::play(const Document& doc, int startBar, int endBar) {
+  start(doc, [&] { scheduler_->PlayTab(snapshot_, startBar, endBar); });
+}
+
+void Player::playTrainer(const Document& doc, const SpeedTrainer& trainer) {
+  start(doc, [&] { scheduler_->PlayTrainer(snapshot_, trainer); });
+}
+
+void Player::start(const Document& doc, const std::function<void()>& begin) {
   tmrStop_->setEnabled(false);
+  if (scheduler_->playing()) scheduler_->StopTab();
   snapshot_ = doc.score;
   shown_ = &doc;
   options_.CurrentTrack = doc.CursorTrack;
   scheduler_->options = options_;
   lastFollowBar_ = -1;
-  scheduler_->PlayTab(snapshot_, startBar, endBar);
+  begin();
   if (scheduler_->playing()) emit playingChanged(true);
   reportSilence();
 }

@@ -19,6 +19,7 @@
 #include <QObject>
 #include <QString>
 
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -62,6 +63,8 @@ class Player : public QObject {
   void playFromHere(const Document& doc);
   void playFromStart(const Document& doc);
   void play(const Document& doc, int startBar, int endBar);
+  // The speed trainer dialog: loop bars, faster each pass.
+  void playTrainer(const Document& doc, const SpeedTrainer& trainer);
   void stop();
   bool isPlaying() const;
 
@@ -82,6 +85,7 @@ class Player : public QObject {
 
  private:
   void wire();
+  void start(const Document& doc, const std::function<void()>& begin);
   void reportSilence();
 
   std::unique_ptr<OutputDevices> devices_;
