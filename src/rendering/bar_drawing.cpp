@@ -914,36 +914,35 @@ void BarPainter::chordChart(const BeatChord& ch, double c, double bottom) {
 }
 
 void BarPainter::lyrics(int k) {
-  // Lyric lines are sung one syllable per note from the start of the song; only the first
-  // line that has text is shown under the staff.
-  const std::string* line = nullptr;
-  for (const std::string& l : tr_.Lyrics)
-    if (!l.empty()) {
-      line = &l;
-      break;
-    }
-  if (!line) return;
+  // Each lyric line is sung one syllable per note from the start of the song; the lines stand
+  // one under the other below the lowest staff.
+  bool any = false;
+  for (const std::string& l : tr_.Lyrics) any = any || !l.empty();
+  if (!any) return;
   const Beat& b = tb_.Beats[static_cast<size_t>(k)];
   if (b.isRest()) return;
   int index = 0;
   for (int bb = 0; bb < bar_; ++bb)
     for (const Beat& x : tr_.Bars[static_cast<size_t>(bb)]->Beats) index += !x.isRest();
   for (int j = 0; j < k; ++j) index += !tb_.Beats[static_cast<size_t>(j)].isRest();
-  // Find syllable `index`: words split at blanks and hyphens.
-  size_t pos = 0;
-  int current = 0;
-  while (pos < line->size()) {
-    while (pos < line->size() && ((*line)[pos] == ' ' || (*line)[pos] == '-')) ++pos;
-    size_t end = pos;
-    while (end < line->size() && (*line)[end] != ' ' && (*line)[end] != '-') ++end;
-    if (end == pos) break;
-    if (current == index) {
-      const std::string syl = line->substr(pos, end - pos);
-      centredText(s_, cx(k), g_.lastLine + 32, syl, plainFont(kArial, 7), note_);
-      return;
+  const Font f = plainFont(kArial, 7);
+  for (size_t li = 0; li < tr_.Lyrics.size(); ++li) {
+    const std::string& line = tr_.Lyrics[li];
+    // Syllable `index`: words split at blanks and hyphens.
+    size_t pos = 0;
+    int current = 0;
+    while (pos < line.size()) {
+      while (pos < line.size() && (line[pos] == ' ' || line[pos] == '-')) ++pos;
+      size_t end = pos;
+      while (end < line.size() && line[end] != ' ' && line[end] != '-') ++end;
+      if (end == pos) break;
+      if (current == index) {
+        centredText(s_, cx(k), g_.lastLine + 32 + 10.0 * static_cast<double>(li), line.substr(pos, end - pos), f, note_);
+        break;
+      }
+      ++current;
+      pos = end;
     }
-    ++current;
-    pos = end;
   }
 }
 

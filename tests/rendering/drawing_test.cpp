@@ -70,9 +70,10 @@ TEST(DrawBar, EachKindOfSignShows) {
   info.RepeatClose = 3;
   info.DSAlCoda = true;
   info.ToCoda = true;
+  sc.Tracks[0].Lyrics[1] = "hel-lo  world";
   const RecordingSurface s = drawBar0(doc);
   for (const char* t : {"T", "A", "B", "4", "(12)", "X", "A.H.5", "P", "\xC2\xBD", ">", "2", "I)",
-                        "P.M.", "rit.", "Verse", "Am", "3", "x3", "D.S. Al Coda", "To Coda"})
+                        "P.M.", "rit.", "Verse", "Am", "3", "x3", "D.S. Al Coda", "To Coda", "hel", "lo", "world"})
     EXPECT_TRUE(hasText(s, t)) << t;
   EXPECT_FALSE(hasText(s, "H"));
 }
