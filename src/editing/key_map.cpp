@@ -80,6 +80,7 @@ bool cursorKey(EditContext& ctx, Key key, bool shift, bool drum) {
       if (shift) mnuNoteDeleteBeat_Click(ctx);
       else ClearNoteValue(ctx);
       return true;
+    case Key::Backspace: if (!shift) ClearNoteValue(ctx); return true;
     case Key::Insert: mnuNoteInsertBeat_Click(ctx); return true;
     default: return false;
   }
@@ -124,6 +125,27 @@ bool effectKey(EditContext& ctx, Key key) {
       return true;
     case Key::X: ToggleDeadNote(ctx); return true;
     case Key::R: RepeatPreviousChord(ctx); return true;
+    default: return false;
+  }
+}
+
+// Keys every editor has beside the arrows: Home and End within the bar, Page Up and Page Down
+// to the bar before and after, Ctrl+Home and Ctrl+End to the first and last bar.
+bool navigationKey(EditContext& ctx, Key key, Modifiers mods) {
+  const bool ctrl = (mods & kCtrl) != 0;
+  if (mods & ~static_cast<unsigned>(kCtrl)) return false;
+  Document& d = ctx.doc;
+  switch (key) {
+    case Key::Home:
+      if (ctrl) mnuBarFirst_Click(ctx);
+      else RunCursorMove(ctx, [&] { d.CursorBeat = 0; });
+      return true;
+    case Key::End:
+      if (ctrl) mnuBarLast_Click(ctx);
+      else RunCursorMove(ctx, [&] { d.CursorBeat = static_cast<int16_t>(d.score.GetLastBeat(d.CursorTrack, d.CursorBar)); });
+      return true;
+    case Key::PageUp: if (!ctrl) mnuBarPrevious_Click(ctx); return !ctrl;
+    case Key::PageDown: if (!ctrl) mnuBarNext_Click(ctx); return !ctrl;
     default: return false;
   }
 }
@@ -261,6 +283,7 @@ bool picDocument_KeyDown(EditContext& ctx, Key key, Modifiers mods) {
     mnuEditUndo_Click(ctx);
     return true;
   }
+  if (navigationKey(ctx, key, mods)) return true;
   // Ctrl and Alt combinations belong to the menus; a letter typed with them must not also
   // toggle an effect.
   if (mods & (kCtrl | kAlt)) return false;

@@ -42,11 +42,13 @@ std::optional<KeyPress> ParseKeyPress(std::string_view text) {
     else return std::nullopt;
     return k;
   }
-  static const std::array<std::pair<std::string_view, Key>, 13> names = {{
+  static const std::array<std::pair<std::string_view, Key>, 18> names = {{
       {"Left", Key::Left}, {"Right", Key::Right}, {"Up", Key::Up}, {"Down", Key::Down},
       {"Enter", Key::Enter}, {"Return", Key::Enter}, {"Space", Key::Space},
       {"Del", Key::Delete}, {"Delete", Key::Delete}, {"Ins", Key::Insert},
-      {"Insert", Key::Insert}, {"Esc", Key::Escape}, {"Escape", Key::Escape}}};
+      {"Insert", Key::Insert}, {"Esc", Key::Escape}, {"Escape", Key::Escape},
+      {"Backspace", Key::Backspace}, {"Home", Key::Home}, {"End", Key::End},
+      {"PgUp", Key::PageUp}, {"PgDn", Key::PageDown}}};
   for (const auto& [name, key] : names)
     if (sameText(text, name)) {
       k.key = key;

@@ -12,9 +12,14 @@ namespace plectaro {
 
 enum class Key : int {
   None = 0,
+  Backspace = 8,
   Enter = 13,
   Escape = 27,
   Space = 32,
+  PageUp = 33,
+  PageDown = 34,
+  End = 35,
+  Home = 36,
   Left = 37,
   Up = 38,
   Right = 39,

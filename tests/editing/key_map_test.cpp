@@ -99,6 +99,26 @@ TEST(Typing, LeftStopsAtTheStartAndCrossesBarLines) {
   EXPECT_EQ((e.cursor()), (std::array<int, 3>{0, 3, 0}));
 }
 
+TEST(Typing, HomeEndAndPageKeysMoveWithinAndBetweenBars) {
+  Editor e;
+  e.doc.score.SetBarCount(3);
+  for (int b = 0; b < 4; ++b) e.doc.score.SetBeatCount(0, b, 3);
+  struct Step {
+    const char* keys;
+    int bar, beat;
+  };
+  const Step steps[] = {{"End", 0, 3},       {"Home", 0, 0},      {"PgDn PgDn", 2, 0},
+                        {"End PgUp", 1, 0},  {"Ctrl+End", 3, 0},  {"PgDn", 3, 0},
+                        {"Ctrl+Home", 0, 0}, {"PgUp", 0, 0}};
+  for (const auto& s : steps) {
+    e.keys(s.keys);
+    EXPECT_EQ(e.doc.CursorBar, s.bar) << s.keys;
+    EXPECT_EQ(e.doc.CursorBeat, s.beat) << s.keys;
+  }
+  e.keys("7 Backspace");
+  EXPECT_EQ(e.fret(0, 0, 0), "");
+}
+
 struct RhythmCase {
   int length;
   bool dotted;

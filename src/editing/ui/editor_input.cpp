@@ -61,6 +61,11 @@ std::optional<KeyPress> KeyPressFromQt(const QKeyEvent& e) {
     case Qt::Key_Delete: k.key = Key::Delete; return k;
     case Qt::Key_Insert: k.key = Key::Insert; return k;
     case Qt::Key_Escape: k.key = Key::Escape; return k;
+    case Qt::Key_Backspace: k.key = Key::Backspace; return k;
+    case Qt::Key_Home: k.key = Key::Home; return k;
+    case Qt::Key_End: k.key = Key::End; return k;
+    case Qt::Key_PageUp: k.key = Key::PageUp; return k;
+    case Qt::Key_PageDown: k.key = Key::PageDown; return k;
     case Qt::Key_Period: if (keypad) return std::nullopt; k.key = Key::Period; return k;
     case Qt::Key_Plus:
       k.key = Key::NumpadPlus;
