@@ -324,6 +324,11 @@ TEST_F(MainWindowTest, TheViewPaintsTheSongWithScrollRangesAndStatus) {
                     false);
   QCoreApplication::sendEvent(window->view()->viewport(), &wheel);
   EXPECT_GT(v->value(), top);
+  // What a scroll shows is what a fresh layout at that place shows.
+  const QImage scrolled = window->view()->viewport()->grab().toImage();
+  session->doc().FullRelayout = true;
+  const QImage fresh = window->view()->viewport()->grab().toImage();
+  EXPECT_TRUE(scrolled == fresh);
   const int before = session->doc().CursorBar;
   act("mnuBarNext")->trigger();
   EXPECT_EQ(session->doc().CursorBar, before + 1);

@@ -52,6 +52,8 @@ void DocumentView::resizeEvent(QResizeEvent* e) {
 }
 
 void DocumentView::scrollContentsBy(int, int) {
+  // The stored row positions belong to the old scroll place, so the rows are placed again.
+  doc_.FullRelayout = true;
   if (!inPaint_) viewport()->update();
 }
 

@@ -361,11 +361,15 @@ void MainWindow::restoreToolbars() {
   const std::string geometry = st.GetSetting("Window", "Geometry");
   if (!geometry.empty()) restoreGeometry(QByteArray::fromBase64(QByteArray::fromStdString(geometry)));
   const IniSettings& ini = session_.ini();
-  for (int i = 0; i < kToolbarCount; ++i)
-    addToolBar(areaOf(ini.FloatBars[static_cast<size_t>(i)].Area), toolbars_[static_cast<size_t>(i)]);
+  const std::string state = st.GetSetting("Window", "ToolbarState");
+  for (int i = 0; i < kToolbarCount; ++i) {
+    const Qt::ToolBarArea area = areaOf(ini.FloatBars[static_cast<size_t>(i)].Area);
+    // First time round, the bars take two rows so that the everyday ones fit the window.
+    if (i == 4 && state.empty()) addToolBarBreak(area);
+    addToolBar(area, toolbars_[static_cast<size_t>(i)]);
+  }
   // The window's own record puts the bars back exactly (order, rows, floating places); PL4.ini
   // then rules on what it describes, so a hand edit of the file takes effect.
-  const std::string state = st.GetSetting("Window", "ToolbarState");
   if (!state.empty()) restoreState(QByteArray::fromBase64(QByteArray::fromStdString(state)));
   for (int i = 0; i < kToolbarCount; ++i) {
     const auto k = static_cast<size_t>(i);
