@@ -196,12 +196,10 @@ bool RemoveBar(EditContext& ctx, const std::vector<int>& tracks) {
     ctx.message("str_SelectAtLeastOneTrack", MessageIcon::Warning);
     return false;
   }
-  const bool ok = RunCommand(ctx, [&] {
+  return RunCommand(ctx, [&] {
     RemoveBarAt(ctx.doc.score, ctx.doc.CursorBar, tracks);
     ctx.doc.CursorBeat = 0;
   });
-  if (ok && ctx.hooks.gotoPointsChanged) ctx.hooks.gotoPointsChanged();
-  return ok;
 }
 
 bool CopyBars(EditContext& ctx, const std::vector<int>& bars) {

@@ -103,7 +103,11 @@ bool RunCommand(EditContext& ctx, const std::function<void()>& change) {
   if (!(doc.score == before)) {
     ctx.KeyChanged = true;
     doc.ScoreChanged = true;
-    if (LayoutAffected(before, doc.score)) doc.FullRelayout = true;
+    if (LayoutAffected(before, doc.score)) {
+      doc.FullRelayout = true;
+      // Beats and bars came or went, and go-to points with them: the menu is filled again.
+      if (ctx.hooks.gotoPointsChanged) ctx.hooks.gotoPointsChanged();
+    }
   }
   ctx.redraw();
   return true;

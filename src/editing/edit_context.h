@@ -41,7 +41,7 @@ struct EditHooks {
   std::function<void()> drawDocument;
   // The cursor moved to another track.
   std::function<void()> trackChanged;
-  // Go-to points were added or removed with bars.
+  // Beats or bars came or went (or an undo happened), so go-to points may have too.
   std::function<void()> gotoPointsChanged;
   // The undo menu item must be enabled or disabled.
   std::function<void(bool enabled)> undoEnabled;

@@ -266,6 +266,7 @@ void mnuEditUndo_Click(EditContext& ctx) {
   const int16_t track = ctx.doc.CursorTrack;
   if (ctx.undo.undo(ctx.doc)) {
     if (ctx.doc.CursorTrack != track && ctx.hooks.trackChanged) ctx.hooks.trackChanged();
+    if (ctx.hooks.gotoPointsChanged) ctx.hooks.gotoPointsChanged();
     ctx.redraw();
   }
   ctx.notifyUndo();
