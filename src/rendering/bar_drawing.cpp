@@ -921,9 +921,16 @@ void BarPainter::lyrics(int k) {
   if (!any) return;
   const Beat& b = tb_.Beats[static_cast<size_t>(k)];
   if (b.isRest()) return;
-  int index = 0;
-  for (int bb = 0; bb < bar_; ++bb)
-    for (const Beat& x : tr_.Bars[static_cast<size_t>(bb)]->Beats) index += !x.isRest();
+  std::vector<int>& before = ctx_.notesBeforeBar;
+  if (before.size() != tr_.Bars.size()) {
+    before.assign(tr_.Bars.size(), 0);
+    int count = 0;
+    for (size_t bb = 0; bb < tr_.Bars.size(); ++bb) {
+      before[bb] = count;
+      for (const Beat& x : tr_.Bars[bb]->Beats) count += !x.isRest();
+    }
+  }
+  int index = before[static_cast<size_t>(bar_)];
   for (int j = 0; j < k; ++j) index += !tb_.Beats[static_cast<size_t>(j)].isRest();
   const Font f = plainFont(kArial, 7);
   for (size_t li = 0; li < tr_.Lyrics.size(); ++li) {

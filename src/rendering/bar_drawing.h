@@ -13,6 +13,9 @@
 namespace plectaro {
 
 struct DrawContext {
+  DrawContext(const Score& s, int t, const LayoutSettings& st, const std::vector<BarLayout>& l, Surface& out)
+      : score(s), track(t), settings(st), layout(l), surface(out) {}
+
   const Score& score;
   int track;
   const LayoutSettings& settings;
@@ -22,6 +25,8 @@ struct DrawContext {
   int cursorBar = -1;
   int cursorBeat = -1;
   int cursorString = 0;
+  // Notes before each bar, for the lyric syllables; filled on first use in a pass.
+  std::vector<int> notesBeforeBar;
 
   const Track& trackRef() const { return score.Tracks[static_cast<size_t>(track)]; }
 };
