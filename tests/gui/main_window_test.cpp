@@ -194,6 +194,9 @@ TEST_F(MainWindowTest, ProtectedFileAsksForThePasswordBeforeTheFirstEdit) {
 
   auto editTitle = [&](const char* t) {
     FilePropertiesDialog dlg(*session, window.get());
+    // The password is not shown before it has been given.
+    EXPECT_EQ(child<QLineEdit>(dlg.tabs()->widget(0), "txtPassword")->text().isEmpty(),
+              !session->doc().PasswordEntered);
     child<QLineEdit>(dlg.tabs()->widget(0), "txtTitle")->setText(t);
     return dlg.apply();
   };
@@ -204,6 +207,7 @@ TEST_F(MainWindowTest, ProtectedFileAsksForThePasswordBeforeTheFirstEdit) {
   prompter.pushText(std::optional<std::string>("open sesame"));
   EXPECT_TRUE(editTitle("Changed"));
   EXPECT_EQ(session->doc().score.Title, "Changed");
+  EXPECT_EQ(session->doc().score.Password, "open sesame");
   EXPECT_TRUE(editTitle("Changed again"));  // asked once per opening
   EXPECT_EQ(prompter.pending(), 0u);
 }

@@ -206,7 +206,9 @@ void FilePropertiesDialog::load(Page& p, const Score& s) {
   p.shuffle->setChecked(s.ShuffleRhythm);
   if (p.password) {
     p.password->setChecked(s.PasswordProtected);
-    p.passwordText->setText(q(s.Password));
+    // Only someone who has given the password gets to see it (even as dots).
+    const bool known = !s.PasswordProtected || session_.doc().PasswordEntered;
+    p.passwordText->setText(known ? q(s.Password) : QString());
     p.passwordText->setEnabled(s.PasswordProtected);
   }
   p.headerFont = s.HeaderFont;
@@ -222,8 +224,14 @@ void FilePropertiesDialog::store(const Page& p, Score& s) const {
   s.AlwaysDrawFileHeaders = p.header->isChecked();
   s.ShuffleRhythm = p.shuffle->isChecked();
   if (p.password) {
+    const bool wasProtected = s.PasswordProtected;
     s.PasswordProtected = p.password->isChecked();
-    s.Password = s.PasswordProtected ? p.passwordText->text().toStdString() : std::string();
+    const std::string typed = p.passwordText->text().toStdString();
+    // An empty box on a protected document that was not unlocked keeps the password it has.
+    if (!s.PasswordProtected)
+      s.Password.clear();
+    else if (!typed.empty() || !wasProtected || session_.doc().PasswordEntered)
+      s.Password = typed;
   }
   s.HeaderFont = p.headerFont;
   s.NoteFont = p.noteFont;
