@@ -299,7 +299,7 @@ class BarPainter {
   double cx(int k) const { return beatCentre(x_, sig_, spacing_, k); }
   void drawTabHead();
   void drawNotationHead(bool bassClef, double staffTop);
-  void drawTimeSignature(double top, double height, double size);
+  void drawTimeSignature(double top, double height, double size, double centreX = 66);
   void beatOnTab(int k);
   void tabRhythm(int k, const std::vector<BeatRhythm>& r, const std::vector<BeamGroup>& groups);
   void notationLayer(bool bassStaff);
@@ -364,12 +364,12 @@ void BarPainter::frame() {
   if (g_.tab) drawTabHead();
 }
 
-void BarPainter::drawTimeSignature(double top, double height, double size) {
+void BarPainter::drawTimeSignature(double top, double height, double size, double centreX) {
   if (!info_) return;
   const Font f = plainFont(kSmallFonts, size, true);
   const std::string num = std::to_string(info_->TimeSigNumerator);
   const std::string den = std::to_string(info_->TimeSigDenominator);
-  const double cxs = x_ + 68;
+  const double cxs = x_ + centreX;
   middleText(s_, cxs - s_.measureText(num, f).width / 2, top + height * 0.25, num, f, note_);
   middleText(s_, cxs - s_.measureText(den, f).width / 2, top + height * 0.75, den, f, note_);
 }
@@ -385,7 +385,8 @@ void BarPainter::drawTabHead() {
     const TextMetrics m = s_.measureText(letters[i], f);
     s_.drawText({x_ + 12 - m.width / 2, cy - m.height() / 2}, letters[i], f, line_);
   }
-  drawTimeSignature(g_.tabTop, std::max(h, 20.0), std::clamp(h / 3.2, 6.0, 14.0));
+  // The tab has no key signature, so its larger figures stand further left, clear of a repeat.
+  drawTimeSignature(g_.tabTop, std::max(h, 20.0), std::clamp(h / 3.2, 6.0, 14.0), 58);
 }
 
 void BarPainter::drawNotationHead(bool bassClef, double staffTop) {
@@ -977,7 +978,8 @@ void BarPainter::marks() {
     }
   };
   if (bi.RepeatOpen) {
-    const double lx = x_ + (sig_ ? 76 : 2);
+    // After the signature, with the dots still clear of the first beat's numbers.
+    const double lx = x_ + (sig_ ? 72 : 2);
     repeatSign(lx, lx + 3.5, lx + 7);
   }
   const double right = x_ + width_;
