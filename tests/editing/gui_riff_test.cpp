@@ -4,6 +4,7 @@
 
 #include <QApplication>
 #include <QTemporaryDir>
+#include <QAction>
 #include <QTest>
 
 #include "main_window_editor.h"
@@ -62,6 +63,15 @@ TEST(GuiRiff, TypedNotesSurviveSaveAndOpen) {
   press(Qt::Key_2);
   press(Qt::Key_Z);  // undo the last fret
   QApplication::processEvents();
+  // A menu item runs the same command as its key.
+  QAction* dotted = w.window.action("mnuChordDotted");
+  ASSERT_NE(dotted, nullptr);
+  EXPECT_TRUE(dotted->isEnabled());
+  EXPECT_TRUE(dotted->text().endsWith("\t."));
+  dotted->trigger();
+  EXPECT_TRUE(session.doc().score.beat(0, 1, 2).Dotted);
+  dotted->trigger();
+  EXPECT_TRUE(w.window.action("mnuEditUndo")->isEnabled());
 
   const std::string path = home.filePath("riff.plm").toStdString();
   ASSERT_TRUE(session.files().ForceSaveFile(path));

@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "editing/ui/editor_input.h"
+#include "editing/ui/menu_commands.h"
 #include "shell/session.h"
 #include "shell/ui/document_view.h"
 #include "shell/ui/main_window.h"
@@ -19,7 +20,12 @@ struct WiredWindow {
     ctx.hooks.passwordCorrect = [&session] { return session.files().PasswordCorrect(); };
     ctx.hooks.text = [&session](std::string_view key) { return session.messages().str(key); };
     input = new EditorInput(window.view(), ctx);
-    QObject::connect(window.view(), &DocumentView::drawn, input, [this] { input->afterDraw(); });
+    auto find = [this](const QString& name) { return window.action(name); };
+    ConnectEditingMenus(find, &window, ctx);
+    QObject::connect(window.view(), &DocumentView::drawn, input, [this, find] {
+      input->afterDraw();
+      UpdateEditingMenus(find, ctx);
+    });
   }
   MainWindow window;
   EditContext ctx;
