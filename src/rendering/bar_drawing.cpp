@@ -694,6 +694,8 @@ void BarPainter::notationLayer(bool bassStaff) {
     std::vector<Head>& hs = heads[k];
     std::sort(hs.begin(), hs.end(), [up](const Head& a, const Head& b2) { return up ? a.cy > b2.cy : a.cy < b2.cy; });
     std::vector<double> shift(hs.size(), 0);
+    // Accidentals closer than a sixth step to the left, column by column, so none covers another.
+    std::vector<std::pair<double, int>> accidentalColumns;  // cy and column of each sign drawn
     for (size_t i = 1; i < hs.size(); ++i)
       if (std::fabs(hs[i].cy - hs[i - 1].cy) < 4.5 && shift[i - 1] == 0) shift[i] = up ? 6.6 : -6.6;
     for (size_t i = 0; i < hs.size(); ++i) {
@@ -706,12 +708,39 @@ void BarPainter::notationLayer(bool bassStaff) {
       if (open) s_.drawEllipse(head, note_, 1.2);
       else s_.fillEllipse(head, note_);
       const Accidental a = AccidentalFor(h.pitch, tb_.KeySignature);
-      if (a != Accidental::None) drawAccidental(s_, a, c - 11 - (shift[i] < 0 ? 6.6 : 0), h.cy, note_);
+      if (a != Accidental::None) {
+        int column = 0;
+        for (bool clash = true; clash && column < 4;) {
+          clash = false;
+          for (const auto& [y, col] : accidentalColumns)
+            if (col == column && std::fabs(y - h.cy) < 11) clash = true;
+          if (clash) ++column;
+        }
+        accidentalColumns.push_back({h.cy, column});
+        drawAccidental(s_, a, c - 11 - (shift[i] < 0 ? 6.6 : 0) - 6.5 * column, h.cy, note_);
+      }
       if (b.Dotted) {
         const double offLine = std::fmod(std::fabs(h.cy - staffTop), 7.0);
         const double dy = (offLine < 1.0 || offLine > 6.0) ? -3.5 : 0;
         s_.fillEllipse({c + 5 + std::max(shift[i], 0.0) + (up ? 0 : 0), h.cy + dy - 1.1, 2.2, 2.2}, note_);
       }
+    }
+    // Grace notes: a small head with a slashed stem just before the beat, ledger lines as for
+    // any note.
+    for (int st = 0; st < g_.strings; ++st) {
+      const NoteSlot& n = b.Notes[static_cast<size_t>(st)];
+      if (!n.HasGrace) continue;
+      NoteSlot grace;
+      grace.Fret = n.Grace.Fret;
+      int gp = 0;
+      if (!SlotPitch(tr_, grace, st, gp) || (split && (bassStaff ? gp >= 48 : gp < 48))) continue;
+      const double gy = base + StaffPosition(gp, flats) + 6.5;
+      const double gx = c - 14;
+      for (double ly = staffTop - 7; ly >= gy - 1; ly -= 7) s_.drawLine({gx - 4, ly}, {gx + 4, ly}, line_);
+      for (double ly = staffTop + 35; ly <= gy + 1; ly += 7) s_.drawLine({gx - 4, ly}, {gx + 4, ly}, line_);
+      s_.fillEllipse({gx - 2.5, gy - 2, 5, 4}, note_);
+      s_.drawLine({gx + 2.3, gy}, {gx + 2.3, gy - 14}, note_, 0.8);
+      s_.drawLine({gx - 1, gy - 6}, {gx + 5, gy - 11}, note_, 0.8);
     }
     if (b.Length >= kHalf) {
       const double sx = up ? c + 3.3 : c - 3.3;

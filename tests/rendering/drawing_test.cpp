@@ -339,3 +339,29 @@ TEST(DrawBar, TupletNumberOverTheNotationAndUnderTheTab) {
 
 }  // namespace
 }  // namespace plectaro
+
+namespace plectaro {
+namespace {
+
+TEST(DrawBar, CloseAccidentalsStepLeftAndGraceNotesShowSmall) {
+  Document doc = test::MakeDoc(1, 1, true, false, false);
+  Beat& b = doc.score.beatMut(0, 0, 0);
+  b.Notes[0].Fret = "2";  // F sharp
+  b.Notes[1].Fret = "2";  // C sharp, 10 units lower: its sharp takes the next column
+  b.Notes[2].HasGrace = true;
+  b.Notes[2].Grace.Fret = "0";
+  const RecordingSurface s = drawBar0(doc);
+  std::vector<double> sharpBars;
+  for (const DrawCall& c : s.ofKind(DrawCall::Kind::Line))
+    if (c.width == 1.6) sharpBars.push_back(c.points[0].x);
+  std::sort(sharpBars.begin(), sharpBars.end());
+  sharpBars.erase(std::unique(sharpBars.begin(), sharpBars.end()), sharpBars.end());
+  ASSERT_EQ(sharpBars.size(), 2u);
+  EXPECT_DOUBLE_EQ(sharpBars[1] - sharpBars[0], 6.5);
+  int graceHeads = 0;
+  for (const DrawCall& c : s.ofKind(DrawCall::Kind::FillEllipse)) graceHeads += c.points[1].x == 5;
+  EXPECT_EQ(graceHeads, 1);
+}
+
+}  // namespace
+}  // namespace plectaro
