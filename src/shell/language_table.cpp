@@ -512,7 +512,7 @@ txt_DropOnlyOne=Please drop one music file at a time.
 sbTiming=Bar timing
 sbFill=Bar fill
 sbPages=Pages
-sbTime=Time
+sbTime=Cursor position
 @frmMetronome
 Caption=Metronome
 @frmMusicPaper

@@ -212,6 +212,19 @@ TEST_F(MainWindowTest, ProtectedFileAsksForThePasswordBeforeTheFirstEdit) {
   EXPECT_EQ(prompter.pending(), 0u);
 }
 
+TEST_F(MainWindowTest, PropertiesLeaveValuesTheyCannotShowAlone) {
+  start();
+  Score& s = session->doc().score;
+  s.Tempo = 90.5f;
+  s.RowSpacing = 2000;
+  s.HeaderFont.Name = "Some Font Not Installed";
+  const Score before = s;
+  FilePropertiesDialog dlg(*session, window.get());
+  EXPECT_TRUE(dlg.apply());
+  EXPECT_TRUE(session->doc().score == before);
+  EXPECT_FALSE(session->doc().ScoreChanged);
+}
+
 TEST_F(MainWindowTest, RenamedPictureGivesTheWrongFileMessageAndANewScore) {
   start(demo());
   const std::string png("\x89PNG\r\n\x1a\n\0\0\0\rIHDR\0\0\0\x10", 20);

@@ -123,7 +123,8 @@ void FilePropertiesDialog::build(Page& p, bool defaults) {
   }
   p.rowSpacing = new QSpinBox(p.widget);
   p.rowSpacing->setObjectName(prefix + "vbRowSpacing");
-  p.rowSpacing->setRange(0, 1000);
+  // The whole range a file can hold, so that showing a value never changes it.
+  p.rowSpacing->setRange(INT16_MIN, INT16_MAX);
   form->addRow(label("lblRowSpacing"), p.rowSpacing);
 
   auto* tempoRow = new QWidget(p.widget);
@@ -200,6 +201,8 @@ void FilePropertiesDialog::load(Page& p, const Score& s) {
   for (auto& [e, m] : p.texts) e->setText(q(s.*m));
   p.rowSpacing->setValue(s.RowSpacing);
   p.tempo->setValue(std::isfinite(s.Tempo) ? s.Tempo : 60);
+  p.tempoShown = p.tempo->value();
+  p.tempoLoaded = s.Tempo;
   p.tempoName->setText(q(TempoName(p.tempo->value())));
   p.alwaysCharts->setChecked(s.AlwaysDrawChordCharts);
   p.header->setChecked(s.AlwaysDrawFileHeaders);
@@ -219,7 +222,9 @@ void FilePropertiesDialog::load(Page& p, const Score& s) {
 void FilePropertiesDialog::store(const Page& p, Score& s) const {
   for (const auto& [e, m] : p.texts) s.*m = e->text().toStdString();
   s.RowSpacing = static_cast<int16_t>(p.rowSpacing->value());
-  s.Tempo = static_cast<float>(p.tempo->value());
+  // A tempo the box cannot show exactly (90.5, or beyond its range) stays as it is unless the
+  // user changed the box.
+  s.Tempo = p.tempo->value() == p.tempoShown ? p.tempoLoaded : static_cast<float>(p.tempo->value());
   s.AlwaysDrawChordCharts = p.alwaysCharts->isChecked();
   s.AlwaysDrawFileHeaders = p.header->isChecked();
   s.ShuffleRhythm = p.shuffle->isChecked();

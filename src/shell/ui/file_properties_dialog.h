@@ -42,6 +42,8 @@ class FilePropertiesDialog : public QDialog {
     QCheckBox* password = nullptr;
     QLineEdit* passwordText = nullptr;
     QDoubleSpinBox* tempo = nullptr;
+    double tempoShown = 0;  // what the box showed when loaded (rounded)
+    float tempoLoaded = 0;  // the exact value behind it
     QLabel* tempoName = nullptr;
     FontInfo headerFont, noteFont;
     int32_t lineColor = 0;

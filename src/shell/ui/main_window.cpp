@@ -347,6 +347,11 @@ void MainWindow::buildStatusBar() {
 
 void MainWindow::applyTexts() {
   LoadLanguage(this, session_.languageFile());
+  const Messages& m = session_.messages();
+  sbTiming_->setToolTip(q(m.text("frmMain", "sbTiming")));
+  sbFill_->setToolTip(q(m.text("frmMain", "sbFill")));
+  sbPages_->setToolTip(q(m.text("frmMain", "sbPages")));
+  sbTime_->setToolTip(q(m.text("frmMain", "sbTime")));
   for (int i = 0; i < kToolbarCount; ++i) {
     QString title = str(kToolbarTitles[static_cast<size_t>(i)]);
     if (i == 6) title = str("str_Cut") + ", " + str("str_Copy") + ", " + str("str_Paste");
