@@ -30,11 +30,9 @@ uint32_t MIDIPack(int status, int data1, int data2) {
 
 void MIDISend(MidiOut& out, int status, int data1, int data2) {
   // A wrong channel, note or value (they come from files unchecked) would turn into a
-  // different message once packed; such a message is dropped instead of sent.
-  if (status < 0x80 || status > 0xFF || data1 < 0 || data1 > 127 || data2 < 0 || data2 > 127) {
-    MIDIReportError(out, kMidiSendFailed);
-    return;
-  }
+  // different message once packed; such a message is dropped instead of sent. It says nothing
+  // about the device, so it is not reported as a reason for silence.
+  if (status < 0x80 || status > 0xFF || data1 < 0 || data1 > 127 || data2 < 0 || data2 > 127) return;
   int result = out.shortMsg(MIDIPack(status, data1, data2));
   if (result != kMidiOk) MIDIReportError(out, result);
 }
