@@ -160,6 +160,57 @@ void writeDrumSymbol(EditContext& ctx, char symbol) {
 
 }  // namespace
 
+const std::vector<ShortcutEntry>& ShortcutTable() {
+  static const std::vector<ShortcutEntry> table = {
+      {0, "Play Tab", "Space"},
+      {0, "Play from current bar", "Shift+Space"},
+      {1, "Move left a chord", "Left"},
+      {1, "Move right a chord", "Right"},
+      {1, "Move up a string / line / note", "Up"},
+      {1, "Move down a string / line / note", "Down"},
+      {1, "Shift note up a string *", "Shift+Up"},
+      {1, "Shift note down a string *", "Shift+Down"},
+      {1, "Delete this beat", "Shift+Del"},
+      {1, "Insert a beat", "Shift+Ins"},
+      {1, "Clear Note Value", "Del"},
+      {2, "String Bend On/Off *", "B"},
+      {2, "Hammer On/Pull Off *", "H"},
+      {2, "Slide *", "S"},
+      {2, "Ghost Note On/Off", "G"},
+      {2, "Vibrato *", "V"},
+      {2, "Upstroke *", "U"},
+      {2, "Downstroke *", "D"},
+      {2, "Add Chord *", "C"},
+      {2, "Tie Note On/Off", "L"},
+      {2, "Dead Note On/Off *", "X"},
+      {2, "Repeat Previous Chord *", "R"},
+      {3, "Dotted Note", "."},
+      {3, "Increase/Decrease Beat Length", "+"},
+      {3, "Increase/Decrease Beat Length", "-"},
+      {3, "Add 1 to Note *", "Shift++"},
+      {3, "Subtract 1 from Note *", "Shift+-"},
+      {3, "Let Ring *", "Shift+R"},
+      {3, "Move Chord Right", "Shift+M"},
+      {3, "Move Chord Left", "Shift+N"},
+      {3, "Shift Chord Right", "Shift+O"},
+      {3, "Add Text", "Shift+T"},
+      {4, "Triplet On/Off", "Shift+3"},
+      {4, "5let On/Off", "Shift+5"},
+      {4, "6let On/Off", "Shift+6"},
+      {4, "7let On/Off", "Shift+7"},
+      {4, "9let On/Off", "Shift+9"},
+      {4, "Toggle notation note", "Enter"},
+      {5, "Undo", "Z"},
+      {5, "First / last beat of the bar", "Home"},
+      {5, "First / last beat of the bar", "End"},
+      {5, "Previous / next bar", "PgUp"},
+      {5, "Previous / next bar", "PgDn"},
+      {5, "First / last bar", "Ctrl+Home"},
+      {5, "First / last bar", "Ctrl+End"},
+  };
+  return table;
+}
+
 char DrumSymbolOfKey(Key key) {
   switch (key) {
     case Key::C: return 'c';

@@ -9,6 +9,8 @@
 #include "editing/edit_context.h"
 #include "editing/keys.h"
 
+#include <vector>
+
 namespace plectaro {
 
 // Returns true when the key meant something to the editor (so the window need not pass it on).
@@ -30,6 +32,16 @@ void MoveCursorDown(EditContext& ctx);
 void ToggleNotationEntry(EditContext& ctx);
 // Moves the cursor to another track (the window's track list); the bar stays.
 void SetCursorTrack(EditContext& ctx, int track);
+
+// The pairs of the Shortcut Keys dialog (ntne_frmShortcuts), grouped, in the dialog's order.
+// `keys` is written as ParseKeyPress reads it ("+" is the keypad's plus). A text ending in
+// " *" is for normal tracks only.
+struct ShortcutEntry {
+  int group;
+  const char* text;
+  const char* keys;
+};
+const std::vector<ShortcutEntry>& ShortcutTable();
 
 // The drum symbol each drum letter key writes (C, X, S, O, F, T); 0 for other keys.
 char DrumSymbolOfKey(Key key);

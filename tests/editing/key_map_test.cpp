@@ -119,6 +119,36 @@ TEST(Typing, HomeEndAndPageKeysMoveWithinAndBetweenBars) {
   EXPECT_EQ(e.fret(0, 0, 0), "");
 }
 
+// Every key the Shortcut Keys dialog names does something when pressed where it applies.
+TEST(Typing, EveryListedShortcutDoesSomething) {
+  for (const ShortcutEntry& entry : ShortcutTable()) {
+    Editor e;
+    e.ctx.setUndoLevels(4);
+    int hooks = 0;
+    e.ctx.hooks.openDialog = [&](EditDialog) { ++hooks; };
+    e.ctx.hooks.playFromStart = [&] { ++hooks; };
+    e.ctx.hooks.playFromHere = [&] { ++hooks; };
+    e.doc.score.SetBarCount(2);
+    for (int b = 0; b < 3; ++b) {
+      e.doc.score.SetBeatCount(0, b, 3);
+      for (int k = 0; k < 4; ++k) {
+        e.doc.score.beatMut(0, b, k).Length = kQuarter;
+        for (int str : {1, 4}) e.doc.score.noteMut(0, b, k, str).Fret = "5";
+      }
+    }
+    e.doc.CursorBar = 1;
+    e.keys("Right Down 7");
+    const auto k = ParseKeyPress(entry.keys);
+    ASSERT_TRUE(k.has_value()) << entry.keys;
+    const Score before = e.doc.score;
+    const auto cursor = e.cursor();
+    picDocument_KeyDown(e.ctx, k->key, k->mods);
+    const bool moved = e.cursor() != cursor;
+    EXPECT_TRUE(!(e.doc.score == before) || moved || hooks > 0 || e.ctx.NotationEntry)
+        << entry.text << " (" << entry.keys << ")";
+  }
+}
+
 struct RhythmCase {
   int length;
   bool dotted;
