@@ -1,4 +1,5 @@
 #include "shell/session.h"
+#include "shell/status_time.h"
 #include "shell/tempo_name.h"
 
 #include <gtest/gtest.h>
@@ -106,6 +107,38 @@ TEST(TempoName, WordsFollowTheTempo) {
   };
   for (const auto& [bpm, name] : cases) EXPECT_EQ(TempoName(bpm), name) << bpm;
   EXPECT_EQ(TempoName(std::nan("")), "");
+}
+
+TEST(StatusTime, CursorTimeCountsTheBeatsBeforeIt) {
+  MemorySettingsStore settings;
+  Document doc;
+  InitScore(doc, settings);
+  Score& s = doc.score;
+  s.SetBarCount(2);
+  s.SetBeatCount(0, 0, 3);  // four quarters in bar 0
+  for (int k = 0; k < 4; ++k) s.beatMut(0, 0, k).Length = 2;
+  s.Tempo = 120;
+  struct Case {
+    int bar, beat;
+    float tempo;
+    std::optional<double> seconds;
+  };
+  const Case cases[] = {
+      {0, 0, 120, 0.0}, {0, 2, 120, 1.0}, {1, 0, 120, 2.0}, {1, 0, 60, 4.0},
+      {0, 1, 0, std::nullopt}, {0, 1, -5, std::nullopt},
+  };
+  for (const Case& c : cases) {
+    doc.CursorBar = static_cast<int16_t>(c.bar);
+    doc.CursorBeat = static_cast<int16_t>(c.beat);
+    s.Tempo = c.tempo;
+    EXPECT_EQ(CursorTimeSeconds(doc), c.seconds) << c.bar << "/" << c.beat << " at " << c.tempo;
+  }
+  s.Tempo = 120;
+  s.beatMut(0, 0, 0).Length = 99;  // a value from a damaged file
+  doc.CursorBar = 1;
+  EXPECT_EQ(CursorTimeSeconds(doc), std::nullopt);
+  EXPECT_EQ(FormatStatusTime(1.5), "01.50000");
+  EXPECT_EQ(FormatStatusTime(754.25), "754.25000");
 }
 
 TEST(Session, ADamagedSettingsFileStartsWithWhatItCanRead) {

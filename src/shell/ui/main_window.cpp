@@ -16,6 +16,7 @@
 #include <QToolBar>
 
 #include "score/new_score.h"
+#include "shell/status_time.h"
 #include "shell/ui/document_view.h"
 #include "shell/ui/file_properties_dialog.h"
 #include "shell/ui/language_ui.h"
@@ -441,10 +442,12 @@ void MainWindow::showStatus(const ViewStatus& s) {
   sbFill_->setStyleSheet(state == 1 ? "" : "color: #b00000;");
   sbPages_->setText(s.Pages.empty() ? str("str_PagesLabel") + " 1" : q(s.Pages));
   const Document& d = session_.doc();
-  sbTime_->setText(QString("%1 %2  %3 %4  %5 %6")
-                       .arg(str("str_Short_Track")).arg(d.CursorTrack + 1)
-                       .arg(str("str_Short_Bar")).arg(d.CursorBar + 1)
-                       .arg(str("str_Short_Beat")).arg(d.CursorBeat + 1));
+  QString where = QString("%1 %2  %3 %4  %5 %6")
+                      .arg(str("str_Short_Track")).arg(d.CursorTrack + 1)
+                      .arg(str("str_Short_Bar")).arg(d.CursorBar + 1)
+                      .arg(str("str_Short_Beat")).arg(d.CursorBeat + 1);
+  if (auto seconds = CursorTimeSeconds(d)) where += "   " + q(FormatStatusTime(*seconds));
+  sbTime_->setText(where);
   if (!s.Error.empty()) statusBar()->showMessage(q(s.Error), 5000);
   SetWindowCaption();
 }

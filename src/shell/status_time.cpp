@@ -1,0 +1,33 @@
+#include "shell/status_time.h"
+
+#include <cmath>
+#include <cstdio>
+#include <optional>
+
+#include "score/bar_timing.h"
+
+namespace plectaro {
+
+std::optional<double> CursorTimeSeconds(const Document& doc) {
+  const Score& s = doc.score;
+  if (!(s.Tempo > 0) || !std::isfinite(s.Tempo)) return std::nullopt;
+  try {
+    const int t = doc.CursorTrack;
+    double sixtyFourths = 0;
+    for (int b = 0; b < doc.CursorBar && b <= s.GetLastBar(t); ++b) sixtyFourths += GetBeatsLength(s, t, b);
+    const auto& beats = s.bar(t, doc.CursorBar).Beats;
+    for (int k = 0; k < doc.CursorBeat && k < static_cast<int>(beats.size()); ++k)
+      sixtyFourths += GetNumOf64ths(beats[static_cast<size_t>(k)]);
+    return sixtyFourths * 3.75 / s.Tempo;
+  } catch (const ScoreError&) {
+    return std::nullopt;
+  }
+}
+
+std::string FormatStatusTime(double seconds) {
+  char buf[64];
+  std::snprintf(buf, sizeof buf, "%08.5f", seconds);
+  return buf;
+}
+
+}  // namespace plectaro
