@@ -7,6 +7,7 @@
 #include <QCheckBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QMenu>
 #include <QMenuBar>
 #include <QPushButton>
@@ -249,6 +250,8 @@ TEST_F(MainWindowTest, OptionsPagesInOrderAndSettingsSurviveARestart) {
                                   "Playback Options", "Scale Manager", "Chord Manager",
                                   "Fretboard Knowledge Trainer", "Pitch Perfector",
                                   "Guitar Lessons", "Band Manager"}));
+    auto* langs = child<QListWidget>(&dlg, "lstLanguages");
+    EXPECT_EQ(langs->currentItem() ? langs->currentItem()->text() : QString(), "English");
     QCheckBox* stretch = child<QCheckBox>(&dlg, "chkAutoStretch");
     EXPECT_EQ(stretch->text(), "Automatically Stretch Page to fit Window");
     stretch->setChecked(!stretch->isChecked());

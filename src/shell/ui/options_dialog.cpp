@@ -13,6 +13,7 @@
 #include <QHBoxLayout>
 #include <QVBoxLayout>
 
+#include "score/file_io.h"
 #include "shell/ui/language_ui.h"
 
 namespace plectaro {
@@ -63,7 +64,21 @@ OptionsDialog::OptionsDialog(Session& session, QWidget* parent)
   langs->layout()->addWidget(ll);
   languages_ = new QListWidget(langs);
   languages_->setObjectName("lstLanguages");
-  for (const std::string& n : session_.languages()) languages_->addItem(q(n));
+  // The language in force is the one whose file CurrentLanguage.txt is a copy of.
+  std::string current;
+  try {
+    current = ReadWholeFile(session_.languageFile(), 4 << 20);
+  } catch (const FileError&) {
+  }
+  for (const std::string& n : session_.languages()) {
+    languages_->addItem(q(n));
+    try {
+      if (!current.empty() &&
+          ReadWholeFile(session_.folder().data() / "Languages" / (n + ".txt"), 4 << 20) == current)
+        languages_->setCurrentRow(languages_->count() - 1);
+    } catch (const FileError&) {
+    }
+  }
   langs->layout()->addWidget(languages_);
   auto* load = new QPushButton(langs);
   load->setObjectName("cmdLoadLanguage");
