@@ -120,6 +120,19 @@ void redrawStored(Document& doc, int track, const LayoutSettings& st, const Draw
                           static_cast<double>(st.PageHeight)},
                     page, pageFooter(texts, page, lastPage), texts.Capo);
   }
+  // The stored positions belong to the scroll place of the last layout. Bar 0 always opens
+  // the first row of page 0, so its stored corner tells how far the view has moved since.
+  const long long dx = static_cast<long long>(std::lround(st.PageLeftMargin + pl.offsetX)) - lay[0].DrawX;
+  const long long dy = pl.firstTop + st.PageTopMargin - lay[0].DrawY;
+  if (dx != 0 || dy != 0) {
+    for (BarLayout& l : lay) {
+      l.DrawX = CheckedI16(l.DrawX + dx);
+      const long long y = l.DrawY + dy;
+      if (y > std::numeric_limits<int32_t>::max() || y < std::numeric_limits<int32_t>::min())
+        throw LayoutError("Page layout overflow: the document is too long to lay out");
+      l.DrawY = static_cast<int32_t>(y);
+    }
+  }
   const double rh = rows.rowHeight();
   for (int b = 0; b <= rows.lastBar(); ++b) {
     const BarLayout& l = lay[static_cast<size_t>(b)];
