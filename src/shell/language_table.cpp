@@ -509,6 +509,7 @@ txt_OpenFilter=Plectaro Music|*.plm|Old Plectaro Music|*.pl4|
 txt_SaveFilter=Plectaro Music|*.plm
 txt_Unsaved=Unsaved.plm
 txt_DropOnlyOne=Please drop one music file at a time.
+txt_Capo=Capo
 sbTiming=Bar timing
 sbFill=Bar fill
 sbPages=Pages

@@ -1,5 +1,7 @@
 #include "shell/ui/document_view.h"
 
+#include <QKeyEvent>
+#include <QMouseEvent>
 #include <QPainter>
 #include <QScrollBar>
 
@@ -57,6 +59,17 @@ void DocumentView::scrollContentsBy(int, int) {
   if (!inPaint_) viewport()->update();
 }
 
+void DocumentView::keyPressEvent(QKeyEvent* e) {
+  if (onKey && onKey(e)) return;
+  QAbstractScrollArea::keyPressEvent(e);
+}
+
+void DocumentView::mousePressEvent(QMouseEvent* e) {
+  setFocus(Qt::MouseFocusReason);
+  if (onMousePress) onMousePress(e);
+  QAbstractScrollArea::mousePressEvent(e);
+}
+
 void DocumentView::applyScroll(int vMax, int vPage, int vStep, int hMax, bool hEnabled) {
   QScrollBar* v = verticalScrollBar();
   QScrollBar* h = horizontalScrollBar();
@@ -97,6 +110,7 @@ void DocumentView::paintEvent(QPaintEvent*) {
       texts.FillUnder = str_("str_IncompleteBar");
       texts.FillFull = str_("str_CompleteBar");
       texts.FillOver = str_("str_ExceededBar");
+      texts.Capo = str_("txt_Capo");
     }
     painter.fillRect(viewport()->rect(), bg);
     DrawResult r = DrawDocument(doc_, layoutSettings(ini_), view, texts, surface);

@@ -26,6 +26,11 @@ class DocumentView : public QAbstractScrollArea {
 
   // The texts the pages show (page furniture, fill words), in the interface language.
   void setTexts(std::function<std::string(std::string_view)> str) { str_ = std::move(str); }
+  // Where the editor plugs in: a key (true when it was used; otherwise the view scrolls with
+  // it) and a mouse press at a point of the picture.
+  std::function<bool(QKeyEvent*)> onKey;
+  std::function<void(QMouseEvent*)> onMousePress;
+
   // DrawDocument: lays out as the document's flags ask and repaints now.
   void drawDocument();
   // Back to the first page, e.g. after another document was opened.
@@ -39,6 +44,8 @@ class DocumentView : public QAbstractScrollArea {
   void paintEvent(QPaintEvent*) override;
   void resizeEvent(QResizeEvent*) override;
   void scrollContentsBy(int dx, int dy) override;
+  void keyPressEvent(QKeyEvent* e) override;
+  void mousePressEvent(QMouseEvent* e) override;
 
  private:
   Document& doc_;
