@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cctype>
+#include <fstream>
+#include <string_view>
 
 #include "score/file_io.h"
 #include "score/music_file.h"
@@ -25,12 +27,10 @@ std::string fileNameOf(const std::string& path) {
 
 // Files of versions 3.5 to 3.7 are plain text starting with their version line.
 bool isOldPlainMusicFile(const std::string& path) {
-  try {
-    const std::string head = ReadWholeFile(path, size_t(64) << 20).substr(0, 16);
-    return head.rfind("Plectaro 3.", 0) == 0;
-  } catch (const FileError&) {
-    return false;
-  }
+  std::ifstream in(path, std::ios::binary);
+  char head[11] = {};
+  in.read(head, sizeof head);
+  return in.gcount() == sizeof head && std::string_view(head, sizeof head) == "Plectaro 3.";
 }
 
 }  // namespace
