@@ -14,6 +14,9 @@ namespace {
 constexpr int kMetronomeChannel = 0;
 constexpr int kClickProgram = 115;  // wood block
 constexpr int kClickNote = 90;
+// Time between the strings of a strum: six strings take 25 ms, heard as one stroke, not as
+// an arpeggio.
+constexpr int32_t kStrumGapMs = 5;
 
 const BarInfo* barInfoAt(const Score& s, int b) {
   if (b < 0 || static_cast<size_t>(b) >= s.BarInfos.size()) return nullptr;
@@ -54,13 +57,18 @@ int16_t clampI16(long v) {
 }  // namespace
 
 Scheduler::Scheduler(MidiOut& out, PlaybackClock& clock)
-    : out_(out), playTimer_(clock.createTimer()), tmrMetronome_(clock.createTimer()) {
+    : out_(out), playTimer_(clock.createTimer()), tmrMetronome_(clock.createTimer()),
+      tmrStrum_(clock.createTimer()) {
   playTimer_->setPeriodic(true);
   playTimer_->setResolution(1);
   playTimer_->setOnTimer([this] { PlayTimer_Timer(); });
   tmrMetronome_->setPeriodic(true);
   tmrMetronome_->setResolution(1);
   tmrMetronome_->setOnTimer([this] { tmrMetronome_Timer(); });
+  tmrStrum_->setPeriodic(true);
+  tmrStrum_->setResolution(1);
+  tmrStrum_->setInterval(kStrumGapMs);
+  tmrStrum_->setOnTimer([this] { tmrStrum_Timer(); });
 }
 
 Scheduler::~Scheduler() {
@@ -97,6 +105,7 @@ void Scheduler::start(const Score& score, int startBar, int endBar) {
   const size_t tracks = score.Tracks.size();
   trackElapsed_.assign(tracks, 0.0);
   trackBeat_.assign(tracks, 0);
+  strums_.assign(tracks, Strum());
   cursorBar_ = static_cast<int16_t>(startBar);
   endBar_ = static_cast<int16_t>(endBar);
   repeatStartBar_ = 0;
@@ -130,6 +139,8 @@ void Scheduler::StopTab() {
   MIDIAllNotesOff(out_);
   speedTrainerOn_ = false;
   tmrMetronome_->setEnabled(false);
+  tmrStrum_->setEnabled(false);
+  for (Strum& st : strums_) st = Strum();
   state_ = PlayState::Idle;
   // Once more: a note that an effect started in between must not hang either.
   MIDIAllNotesOff(out_);
@@ -160,6 +171,7 @@ void Scheduler::PlayStep() {
   if (trackBeat_.size() != s.Tracks.size()) {
     trackBeat_.resize(s.Tracks.size(), -1);
     trackElapsed_.resize(s.Tracks.size(), 0.0);
+    strums_.resize(s.Tracks.size());
   }
 
   const int cur = options.CurrentTrack;
@@ -248,6 +260,8 @@ bool Scheduler::startBeat(int t, int lastTrack) {
       MIDIChannelNotesOff(out_, tr.EffectChannel);
     }
   }
+  // A strum still crossing the strings when the next beat comes is cut short.
+  strums_[ti] = Strum();
 
   if (cursorBar_ == endBar_ + 1 && t == lastTrack) {
     StopTab();
@@ -260,9 +274,22 @@ bool Scheduler::startBeat(int t, int lastTrack) {
     const int16_t mark = GetTempoMark(s, t, cursorBar_, k);
     if (mark > 0) playTimer_->setInterval(IntervalForTempo(mark));
     const Beat& beat = (*beatsOf(s, t, cursorBar_))[static_cast<size_t>(k)];
-    PlayChord(soundOut(), s, t, cursorBar_, k, false, beat.Stroke == kUpStroke);
+    PlayChord(soundOut(), s, t, cursorBar_, k, false, beat.Stroke == kUpStroke, &strums_[ti]);
+    // Each new strum restarts the timer, so its strings keep their spacing from its first.
+    if (strums_[ti].pending()) tmrStrum_->setEnabled(true);
   }
   return true;
+}
+
+void Scheduler::tmrStrum_Timer() {
+  bool more = false;
+  for (Strum& st : strums_) {
+    if (!st.pending()) continue;
+    const Strum::Note& n = st.Notes[static_cast<size_t>(st.Next++)];
+    PlayNote(out_, n.Pitch, n.Harmonic, n.Channel, n.Velocity, false);
+    more = more || st.pending();
+  }
+  if (!more) tmrStrum_->setEnabled(false);
 }
 
 void Scheduler::barEnd(int t, int lastTrack) {

@@ -66,6 +66,7 @@ class Scheduler {
   // The timer handlers; public so that tests and tools can step by hand.
   void PlayTimer_Timer();
   void tmrMetronome_Timer();
+  void tmrStrum_Timer();
   void PlayStep();
 
   int16_t GetMetronomeInterval(bool wantCount) const;
@@ -84,6 +85,9 @@ class Scheduler {
   MidiOut& out_;
   std::unique_ptr<HiPreTimer> playTimer_;
   std::unique_ptr<HiPreTimer> tmrMetronome_;
+  // Strokes: the held-back notes of each track's strummed beat, sounded one per firing.
+  std::unique_ptr<HiPreTimer> tmrStrum_;
+  std::vector<Strum> strums_;
   const Score* score_ = nullptr;
   PlayState state_ = PlayState::Idle;
   bool stopRequested_ = false;

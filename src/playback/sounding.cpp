@@ -112,7 +112,7 @@ void PlayDrumBeat(MidiOut& out, const Score& s, int t, int b, int k) {
   }
 }
 
-void PlayChord(SoundOut so, const Score& s, int t, int b, int k, bool clearFirst, bool upward) {
+void PlayChord(SoundOut so, const Score& s, int t, int b, int k, bool clearFirst, bool upward, Strum* strum) {
   if (clearFirst) MIDIAllNotesOff(so.out);
   const Beat* beat = findBeat(s, t, b, k);
   if (!beat) return;
@@ -130,6 +130,9 @@ void PlayChord(SoundOut so, const Score& s, int t, int b, int k, bool clearFirst
   int prevBar = 0, prevBeat = 0;
   const bool continues = PreviousBeat(s, t, b, k, prevBar, prevBeat) && IsTie(s, t, prevBar, prevBeat);
 
+  if (strum) *strum = Strum();
+  const bool strummed = strum && (beat->Stroke == kUpStroke || beat->Stroke == kDownStroke);
+  bool first = true;
   const int n = stringCount(tr);
   for (int i = 0; i < n; ++i) {
     const int string = upward ? i : n - 1 - i;
@@ -141,6 +144,11 @@ void PlayChord(SoundOut so, const Score& s, int t, int b, int k, bool clearFirst
     // Pitch effects move the wheel of the effect channel, so a bent note lives there and the
     // other strings stay put on the main channel.
     const int channel = slot.HasBend ? tr.EffectChannel : tr.Channel;
+    if (strummed && !first) {
+      strum->Notes[static_cast<size_t>(strum->Count++)] = {channel, pitch, slot.Harmonic, velocity};
+      continue;
+    }
+    first = false;
     PlayNote(so.out, pitch, slot.Harmonic, channel, velocity, false);
   }
 }

@@ -13,10 +13,24 @@ struct SoundOut {
   int OutputBank = 0;
 };
 
+// The notes of a strummed beat after the first, held back so that the caller can sound them
+// one by one, a few milliseconds apart, the way a pick crosses the strings.
+struct Strum {
+  struct Note {
+    int Channel = 0, Pitch = 0, Harmonic = 0, Velocity = 0;
+  };
+  std::array<Note, kMaxStrings> Notes{};
+  int Count = 0;
+  int Next = 0;
+  bool pending() const { return Next < Count; }
+};
+
 // Sounds beat (track, bar, beat). clearFirst silences all channels first; upward plays the
 // strings from the highest (string 0) down to the lowest, else from the lowest up. A beat that
-// does not exist sounds nothing.
-void PlayChord(SoundOut so, const Score& s, int track, int bar, int beat, bool clearFirst, bool upward);
+// does not exist sounds nothing. Given a Strum, a beat marked with a stroke sounds only its
+// first note now and leaves the others in it; without one, all notes sound at once.
+void PlayChord(SoundOut so, const Score& s, int track, int bar, int beat, bool clearFirst, bool upward,
+               Strum* strum = nullptr);
 
 // Sounds one note with the offset of its harmonic; stopAtOnce ends it at once.
 void PlayNote(MidiOut& out, int pitch, int harmonic, int channel, int velocity, bool stopAtOnce);

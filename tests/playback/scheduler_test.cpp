@@ -115,6 +115,33 @@ TEST(Scheduler, ChordSoundsAtOnceAndTheNextBeatEndsIt) {
   EXPECT_TRUE(EveryNoteEnds(msgs));
 }
 
+TEST(Scheduler, StrokesCrossTheStringsOneByOne) {
+  struct Case {
+    const char* name;
+    int stroke, length;
+    std::vector<NoteOn> ons;
+  };
+  const Case cases[] = {
+      {"no stroke: all at once", kNoStroke, kQuarter, {{31, 0, 40, 100}, {31, 0, 47, 100}, {31, 0, 52, 100}}},
+      {"down stroke: low string first, 5 ms apart", kDownStroke, kQuarter,
+       {{31, 0, 40, 100}, {36, 0, 47, 100}, {41, 0, 52, 100}}},
+      {"up stroke: high string first", kUpStroke, kQuarter, {{31, 0, 52, 100}, {36, 0, 47, 100}, {41, 0, 40, 100}}},
+  };
+  for (const Case& c : cases) {
+    Score s = MakeSong(1, 1);
+    AddBeat(s, 0, 0, c.length, {{3, "2"}, {4, "2"}, {5, "0"}}).Stroke = c.stroke;
+    const auto msgs = Trace(s);
+    EXPECT_EQ(NoteOns(msgs), c.ons) << c.name;
+    EXPECT_TRUE(EveryNoteEnds(msgs)) << c.name;
+  }
+  // A strum on a 64th at a fast tempo is cut short by the next beat: no late strings.
+  Score s = MakeSong(1, 1, 500);  // 8 ms steps
+  for (int i = 0; i < 64; ++i) AddBeat(s, 0, 0, 6, {{0, "0"}, {1, "0"}, {2, "0"}, {3, "0"}}).Stroke = kDownStroke;
+  const auto ons = NoteOns(Trace(s));
+  ASSERT_EQ(ons.size(), 128u);  // the first string on the step, the second 5 ms later
+  for (size_t i = 0; i < ons.size(); ++i) EXPECT_EQ(ons[i].ms, 8.0 * static_cast<double>(i / 2 + 1) + (i % 2) * 5) << i;
+}
+
 TEST(Scheduler, TracksPlaySideBySideOnTheirChannels) {
   // Bar 1 repeats on itself: every bar, first or again, starts on the same step in both tracks.
   Score s = MakeSong(2, 2);
