@@ -53,7 +53,7 @@ class KeyPreview : public QWidget {
  public:
   explicit KeyPreview(QWidget* parent) : QWidget(parent) {
     setObjectName("Picture1");
-    setMinimumSize(180, 70);
+    setMinimumSize(180, 90);
   }
   void setKey(int32_t key) {
     key_ = key;
@@ -65,19 +65,20 @@ class KeyPreview : public QWidget {
     QPainter p(this);
     p.fillRect(rect(), Qt::white);
     p.setPen(Qt::black);
-    const int top = 15;
-    for (int i = 0; i < 5; ++i) p.drawLine(8, top + i * 8, width() - 8, top + i * 8);
+    const int top = 20;
+    const int gap = 10;  // between two staff lines
+    for (int i = 0; i < 5; ++i) p.drawLine(8, top + i * gap, width() - 8, top + i * gap);
     const int count = std::abs(KeyAccidentalCount(key_));
     const bool flats = KeyUsesFlats(key_);
     // Steps down from the top line (half a line gap each) of F C G D A E B and B E A D G C F.
     static const int sharpSteps[7] = {0, 3, -1, 2, 5, 1, 4};
     static const int flatSteps[7] = {4, 1, 5, 2, 6, 3, 7};
     QFont f = p.font();
-    f.setPointSize(13);
+    f.setPointSize(16);
     p.setFont(f);
     for (int i = 0; i < count && i < 7; ++i) {
-      const int y = top + (flats ? flatSteps[i] : sharpSteps[i]) * 4;
-      p.drawText(QRect(20 + i * 12, y - 10, 12, 20), Qt::AlignCenter,
+      const int y = top + (flats ? flatSteps[i] : sharpSteps[i]) * gap / 2;
+      p.drawText(QRect(20 + i * 15, y - 12, 15, 24), Qt::AlignCenter,
                  flats ? QString::fromUtf8("\u266D") : QString::fromUtf8("\u266F"));
     }
   }

@@ -99,6 +99,8 @@ void ConnectEditingMenus(const std::function<QAction*(const QString& name)>& fin
       const int tab = text.indexOf('\t');
       if (tab >= 0) text.truncate(tab);
       a->setText(text + '\t' + QString::fromLatin1(cmd.keys));
+      // Toolbar buttons show the icon text: the caption alone, without the key.
+      a->setIconText(QString(text).remove('&'));
     }
     if (a->property("plectaroEditing").toBool()) continue;
     // An item the window already serves itself (it is enabled) keeps its own command; two
