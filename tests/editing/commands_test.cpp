@@ -6,6 +6,7 @@
 #include "editing/bar_commands.h"
 #include "editing/note_commands.h"
 #include "editing/rhythm_commands.h"
+#include "score/bar_timing.h"
 
 namespace plectaro::test {
 namespace {
@@ -313,6 +314,20 @@ TEST(NoteCommands, VolumesFingersAndWholeChord) {
   mnuNoteRHFS_Click(e.ctx, 4);
   EXPECT_EQ(e.beat(0, 0).Notes[1].RightFinger, 5);
   EXPECT_EQ(e.played.size(), 4u) << "two typed notes and two volume changes were sounded";
+}
+
+TEST(NoteCommands, EveryTupletKindOfTheMenu) {
+  for (int i = 0; i < kTupletKinds; ++i) {
+    Editor e;
+    e.doc.score.beatMut(0, 0, 0).Length = kEighth;
+    mnuChordXTuplets_Click(e.ctx, i);
+    const Beat& b = e.beat(0, 0);
+    ASSERT_TRUE(b.IsTuplet);
+    EXPECT_EQ(b.Tuplet, i);
+    EXPECT_DOUBLE_EQ(GetNumOf64ths(b), 8.0 * 2 / kTupletNotes[static_cast<size_t>(i)]);
+    mnuChordXTuplets_Click(e.ctx, (i + 1) % kTupletKinds);  // another kind replaces it
+    EXPECT_EQ(e.beat(0, 0).Tuplet, (i + 1) % kTupletKinds);
+  }
 }
 
 TEST(NoteCommands, DoubleLengthsOfTheWholeTrackAfterAsking) {

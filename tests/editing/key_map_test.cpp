@@ -149,6 +149,26 @@ TEST(Typing, EveryListedShortcutDoesSomething) {
   }
 }
 
+TEST(Typing, MovingToAnotherTrackKeepsTheBarAndClampsTheString) {
+  Editor e;
+  e.addTrack(4);
+  e.doc.score.SetBarCount(2);
+  int changes = 0;
+  e.ctx.hooks.trackChanged = [&] { ++changes; };
+  e.keys("PgDn PgDn Up");  // bar 2, lowest of six strings
+  SetCursorTrack(e.ctx, 1);
+  EXPECT_EQ(e.doc.CursorTrack, 1);
+  EXPECT_EQ((e.cursor()), (std::array<int, 3>{2, 0, 3}));
+  EXPECT_EQ(changes, 1);
+  e.keys("3");
+  EXPECT_EQ(e.fret(2, 0, 3, 1), "3");
+  EXPECT_EQ(e.fret(2, 0, 3, 0), "");
+  SetCursorTrack(e.ctx, 5);  // no such track: said, and nothing moves
+  EXPECT_EQ(e.doc.CursorTrack, 1);
+  EXPECT_EQ(changes, 1);
+  EXPECT_EQ(e.prompter.asked().size(), 1u);
+}
+
 struct RhythmCase {
   int length;
   bool dotted;
