@@ -107,6 +107,12 @@ MainWindow::MainWindow(Session& session) : session_(session) {
   SetWindowCaption();
 }
 
+MainWindow::~MainWindow() {
+  // The session may outlive the window; its commands must not call back into it.
+  session_.files().documentReplaced = nullptr;
+  session_.files().fileNameChanged = nullptr;
+}
+
 QString MainWindow::str(std::string_view key) const { return q(session_.messages().str(key)); }
 
 QAction* MainWindow::action(const QString& name) const {

@@ -23,6 +23,7 @@ class MainWindow : public QMainWindow {
   Q_OBJECT
  public:
   explicit MainWindow(Session& session);
+  ~MainWindow() override;
 
   // Everything that shows the document: view, status bar, caption, menus.
   void DrawDocument();
