@@ -81,6 +81,18 @@ bool usesStringsBeyond(const TrackBar& tb, int numStrings) {
   return false;
 }
 
+// The chosen bars of a track as clipboard records: shared with the score, not copied.
+BarClipboard clipOf(const Score& s, int track, const std::vector<int>& bars) {
+  BarClipboard clip;
+  clip.drumTrack = s.track(track).DrumTrack;
+  for (int b : bars) {
+    s.bar(track, b);
+    clip.bars.push_back(s.Tracks[static_cast<size_t>(track)].Bars[static_cast<size_t>(b)]);
+    clip.infos.push_back(plainBarInfo(s.barInfo(b)));
+  }
+  return clip;
+}
+
 }  // namespace
 
 const char* const kMajorKeyNames[15] = {
@@ -207,21 +219,12 @@ bool CopyBars(EditContext& ctx, const std::vector<int>& bars) {
     ctx.message("str_SelectAtLeastOneBarToCopy", MessageIcon::Warning);
     return false;
   }
-  const Score& s = ctx.doc.score;
-  const int t = ctx.doc.CursorTrack;
-  BarClipboard clip;
   try {
-    clip.drumTrack = s.track(t).DrumTrack;
-    for (int b : bars) {
-      s.bar(t, b);
-      clip.bars.push_back(s.Tracks[static_cast<size_t>(t)].Bars[static_cast<size_t>(b)]);
-      clip.infos.push_back(plainBarInfo(s.barInfo(b)));
-    }
+    ctx.clipboard = clipOf(ctx.doc.score, ctx.doc.CursorTrack, bars);
   } catch (const ScoreError& e) {
     ctx.prompter.message(e.what(), ctx.text("str_Error"), MessageIcon::Critical);
     return false;
   }
-  ctx.clipboard = std::move(clip);
   return true;
 }
 
@@ -237,16 +240,10 @@ bool CutBars(EditContext& ctx, const std::vector<int>& tracks, const std::vector
   const int source = std::find(tracks.begin(), tracks.end(), ctx.doc.CursorTrack) != tracks.end()
                          ? ctx.doc.CursorTrack
                          : tracks.front();
-  BarClipboard clip;
   return RunCommand(ctx, [&] {
     Score& s = ctx.doc.score;
     chosenTracks(s, tracks);
-    clip.drumTrack = s.track(source).DrumTrack;
-    for (int b : bars) {
-      s.bar(source, b);
-      clip.bars.push_back(s.Tracks[static_cast<size_t>(source)].Bars[static_cast<size_t>(b)]);
-      clip.infos.push_back(plainBarInfo(s.barInfo(b)));
-    }
+    BarClipboard clip = clipOf(s, source, bars);
     for (int t : tracks)
       for (int b : bars) ClearBar(s, t, b);
     ctx.clipboard = std::move(clip);

@@ -5,6 +5,7 @@
 #include "editing/note_commands.h"
 #include "editing/rhythm_commands.h"
 #include "editing/bar_commands.h"
+#include "editing/cursor_access.h"
 #include "score/bar_timing.h"
 
 namespace plectaro {
@@ -22,12 +23,6 @@ int numStrings(const Document& d) {
   return std::clamp<int>(d.score.track(d.CursorTrack).Tuning.NumStrings, 1, kMaxStrings);
 }
 
-bool cursorSlotHasNote(const Document& d) {
-  return d.score.note(d.CursorTrack, d.CursorBar, d.CursorBeat, d.CursorString).hasNote();
-}
-bool cursorBeatIsRest(const Document& d) {
-  return d.score.beat(d.CursorTrack, d.CursorBar, d.CursorBeat).isRest();
-}
 
 // A beat grown by the Right key takes the rhythm of the beat before it, so a run of eighths
 // needs one length step only.
@@ -108,14 +103,14 @@ bool effectKey(EditContext& ctx, Key key) {
   const Document& d = ctx.doc;
   switch (key) {
     case Key::B: case Key::H: case Key::S: case Key::G:
-      if (!cursorSlotHasNote(d)) return true;
+      if (!CursorSlot(d).hasNote()) return true;
       if (key == Key::B && ctx.hooks.openDialog) ctx.hooks.openDialog(EditDialog::Bend);
       if (key == Key::H) mnuNoteEffectsTechniques_Click(ctx, 9);
       if (key == Key::S) mnuNoteEffectsTechniques_Click(ctx, 6);
       if (key == Key::G) mnuNoteEffectsGhostNote_Click(ctx);
       return true;
     case Key::T: case Key::V: case Key::U: case Key::D: case Key::C: case Key::L:
-      if (cursorBeatIsRest(d)) return true;
+      if (CursorBeat(d).isRest()) return true;
       if (key == Key::T) mnuChordTechniques_Click(ctx, 3);
       if (key == Key::V) mnuChordTechniques_Click(ctx, 0);
       if (key == Key::U) mnuChordUpStroke_Click(ctx);
@@ -153,8 +148,7 @@ bool navigationKey(EditContext& ctx, Key key, Modifiers mods) {
 void writeDrumSymbol(EditContext& ctx, char symbol) {
   RunCommand(ctx, [&] {
     Document& d = ctx.doc;
-    NoteSlot& n = d.score.noteMut(d.CursorTrack, d.CursorBar, d.CursorBeat, d.CursorString);
-    n.Fret = std::string(1, symbol);
+    CursorSlotMut(ctx.doc).Fret = std::string(1, symbol);
   });
 }
 
@@ -373,7 +367,7 @@ bool picDocument_KeyDown(EditContext& ctx, Key key, Modifiers mods) {
 
   if (handled && ctx.settings.PlayAsTyped && !shift) {
     const bool plays = drum ? DrumSymbolOfKey(key) != 0 : playsOnTab(key);
-    if (plays && !d.score.beat(d.CursorTrack, d.CursorBar, d.CursorBeat).isRest()) ctx.playBeat();
+    if (plays && !CursorBeat(d).isRest()) ctx.playBeat();
   }
   if (ctx.KeyChanged && keepUndo) {
     ctx.undo.push(std::move(before), cursorBefore);

@@ -4,25 +4,18 @@
 #include <utility>
 
 #include "editing/bar_commands.h"
+#include "editing/cursor_access.h"
 
 namespace plectaro {
 
 namespace {
 
-NoteSlot& cursorSlot(Document& d) {
-  return d.score.noteMut(d.CursorTrack, d.CursorBar, d.CursorBeat, d.CursorString);
-}
-const NoteSlot& cursorSlotRead(const Document& d) {
-  return d.score.note(d.CursorTrack, d.CursorBar, d.CursorBeat, d.CursorString);
-}
-Beat& cursorBeat(Document& d) { return d.score.beatMut(d.CursorTrack, d.CursorBar, d.CursorBeat); }
-
 // Toggles a field of the cursor's slot when it holds a note.
 template <class Field>
 void toggleSlot(EditContext& ctx, Field field, bool sounds) {
   const bool ran = RunCommand(ctx, [&] {
-    if (!cursorSlotRead(ctx.doc).hasNote()) return;
-    NoteSlot& n = cursorSlot(ctx.doc);
+    if (!CursorSlot(ctx.doc).hasNote()) return;
+    NoteSlot& n = CursorSlotMut(ctx.doc);
     n.*field = !(n.*field);
   });
   if (ran && sounds) ctx.playBeat();
@@ -43,7 +36,7 @@ void shiftString(EditContext& ctx, int direction) {
     const int from = d.CursorString;
     const int to = from + direction;
     if (to < 0 || to >= d.score.track(d.CursorTrack).Tuning.NumStrings) return;
-    const NoteSlot& src = cursorSlotRead(d);
+    const NoteSlot& src = CursorSlot(d);
     int fret = 0;
     if (!FretNumber(src.Fret, fret)) return;
     if (d.score.note(d.CursorTrack, d.CursorBar, d.CursorBeat, to).hasNote()) return;  // keep it
@@ -52,7 +45,7 @@ void shiftString(EditContext& ctx, int direction) {
     const int openTo = GetStringPitch(to) + off[static_cast<size_t>(to)];
     const int newFret = fret + openFrom - openTo;
     if (newFret < 0 || newFret > 99) return;  // the pitch is not on that string
-    Beat& b = cursorBeat(d);
+    Beat& b = CursorBeatMut(d);
     NoteSlot moved = std::move(b.Notes[static_cast<size_t>(from)]);
     moved.Fret = std::to_string(newFret);
     b.Notes[static_cast<size_t>(from)] = NoteSlot{};
@@ -64,8 +57,8 @@ void shiftString(EditContext& ctx, int direction) {
 void setFinger(EditContext& ctx, int index, int32_t NoteSlot::*field) {
   RunCommand(ctx, [&] {
     checkMenuIndex(index, 5);
-    if (!cursorSlotRead(ctx.doc).hasNote()) return;
-    setCode(cursorSlot(ctx.doc).*field, index + 1);
+    if (!CursorSlot(ctx.doc).hasNote()) return;
+    setCode(CursorSlotMut(ctx.doc).*field, index + 1);
   });
 }
 
@@ -99,7 +92,7 @@ void swapWithNext(EditContext& ctx, int k, bool whole, bool follow) {
 void TypeFretDigit(EditContext& ctx, int digit) {
   RunCommand(ctx, [&] {
     if (digit < 0 || digit > 9) throw ScoreError("not a digit: " + std::to_string(digit));
-    NoteSlot& n = cursorSlot(ctx.doc);
+    NoteSlot& n = CursorSlotMut(ctx.doc);
     const std::string d(1, static_cast<char>('0' + digit));
     n.Fret = (n.Fret == "1" || n.Fret == "2") ? n.Fret + d : d;
   });
@@ -107,13 +100,13 @@ void TypeFretDigit(EditContext& ctx, int digit) {
 
 void ClearNoteValue(EditContext& ctx) {
   RunCommand(ctx, [&] {
-    if (cursorSlotRead(ctx.doc).hasNote()) cursorSlot(ctx.doc).Fret.clear();
+    if (CursorSlot(ctx.doc).hasNote()) CursorSlotMut(ctx.doc).Fret.clear();
   });
 }
 
 void ToggleDeadNote(EditContext& ctx) {
   RunCommand(ctx, [&] {
-    NoteSlot& n = cursorSlot(ctx.doc);
+    NoteSlot& n = CursorSlotMut(ctx.doc);
     n.Fret = n.Fret == "x" ? "" : "x";
   });
 }
@@ -121,16 +114,16 @@ void ToggleDeadNote(EditContext& ctx) {
 void mnuNoteUp_Click(EditContext& ctx) {
   RunCommand(ctx, [&] {
     int fret = 0;
-    if (!FretNumber(cursorSlotRead(ctx.doc).Fret, fret) || fret >= 99) return;
-    cursorSlot(ctx.doc).Fret = std::to_string(fret + 1);
+    if (!FretNumber(CursorSlot(ctx.doc).Fret, fret) || fret >= 99) return;
+    CursorSlotMut(ctx.doc).Fret = std::to_string(fret + 1);
   });
 }
 
 void mnuNoteDown_Click(EditContext& ctx) {
   RunCommand(ctx, [&] {
     int fret = 0;
-    if (!FretNumber(cursorSlotRead(ctx.doc).Fret, fret) || fret <= 0) return;
-    cursorSlot(ctx.doc).Fret = std::to_string(fret - 1);
+    if (!FretNumber(CursorSlot(ctx.doc).Fret, fret) || fret <= 0) return;
+    CursorSlotMut(ctx.doc).Fret = std::to_string(fret - 1);
   });
 }
 
@@ -180,8 +173,8 @@ void mnuNoteVolumes_Click(EditContext& ctx, int index) {
       for (int s = 0; s < n && s < kMaxStrings; ++s)
         if (d.score.note(d.CursorTrack, d.CursorBar, d.CursorBeat, s).hasNote())
           d.score.noteMut(d.CursorTrack, d.CursorBar, d.CursorBeat, s).Volume = v;
-    } else if (cursorSlotRead(d).hasNote()) {
-      cursorSlot(d).Volume = v;
+    } else if (CursorSlot(d).hasNote()) {
+      CursorSlotMut(d).Volume = v;
     }
   });
   if (ran) ctx.playBeat();
@@ -202,7 +195,7 @@ void mnuNoteEffectsAccentuate_Click(EditContext& ctx) { toggleSlot(ctx, &NoteSlo
 void mnuNoteEffectsHarmonics_Click(EditContext& ctx, int index) {
   if (RunCommand(ctx, [&] {
         checkMenuIndex(index, 7);
-        if (cursorSlotRead(ctx.doc).hasNote()) setCode(cursorSlot(ctx.doc).Harmonic, index + 1);
+        if (CursorSlot(ctx.doc).hasNote()) setCode(CursorSlotMut(ctx.doc).Harmonic, index + 1);
       }))
     ctx.playBeat();
 }
@@ -210,8 +203,8 @@ void mnuNoteEffectsHarmonics_Click(EditContext& ctx, int index) {
 void mnuNoteEffectsTechniques_Click(EditContext& ctx, int index) {
   if (RunCommand(ctx, [&] {
         checkMenuIndex(index, 10);
-        if (cursorSlotRead(ctx.doc).hasNote())
-          setCode(cursorSlot(ctx.doc).Technique, kTechniqueMenuCodes[index]);
+        if (CursorSlot(ctx.doc).hasNote())
+          setCode(CursorSlotMut(ctx.doc).Technique, kTechniqueMenuCodes[index]);
       }))
     ctx.playBeat();
 }
@@ -219,16 +212,16 @@ void mnuNoteEffectsTechniques_Click(EditContext& ctx, int index) {
 void mnuChordTechniques_Click(EditContext& ctx, int index) {
   if (RunCommand(ctx, [&] {
         checkMenuIndex(index, 7);
-        setCode(cursorBeat(ctx.doc).ChordTechnique, index + 1);
+        setCode(CursorBeatMut(ctx.doc).ChordTechnique, index + 1);
       }))
     ctx.playBeat();
 }
 
 void mnuChordUpStroke_Click(EditContext& ctx) {
-  RunCommand(ctx, [&] { setCode(cursorBeat(ctx.doc).Stroke, kUpStroke); });
+  RunCommand(ctx, [&] { setCode(CursorBeatMut(ctx.doc).Stroke, kUpStroke); });
 }
 void mnuChordDownStroke_Click(EditContext& ctx) {
-  RunCommand(ctx, [&] { setCode(cursorBeat(ctx.doc).Stroke, kDownStroke); });
+  RunCommand(ctx, [&] { setCode(CursorBeatMut(ctx.doc).Stroke, kDownStroke); });
 }
 
 void RepeatPreviousChord(EditContext& ctx) {
@@ -242,7 +235,7 @@ void RepeatPreviousChord(EditContext& ctx) {
       beat = d.score.GetLastBeat(d.CursorTrack, bar);
     }
     Beat copy = d.score.beat(d.CursorTrack, bar, beat);
-    cursorBeat(d) = std::move(copy);
+    CursorBeatMut(d) = std::move(copy);
   });
 }
 

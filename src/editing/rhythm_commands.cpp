@@ -2,18 +2,17 @@
 
 #include <string>
 
+#include "editing/cursor_access.h"
+
 namespace plectaro {
 
 namespace {
 
-Beat& cursorBeat(Document& d) { return d.score.beatMut(d.CursorTrack, d.CursorBar, d.CursorBeat); }
-
 void stepCursorBeat(EditContext& ctx, int (*step)(int)) {
   RunCommand(ctx, [&] {
-    const Document& d = ctx.doc;
-    const int now = d.score.beat(d.CursorTrack, d.CursorBar, d.CursorBeat).Length;
+    const int now = CursorBeat(ctx.doc).Length;
     const int next = step(now);
-    if (next != now) cursorBeat(ctx.doc).Length = next;
+    if (next != now) CursorBeatMut(ctx.doc).Length = next;
   });
 }
 
@@ -44,7 +43,7 @@ void mnuChordLengthDecrease_Click(EditContext& ctx) { stepCursorBeat(ctx, Shorte
 
 void mnuChordDotted_Click(EditContext& ctx) {
   RunCommand(ctx, [&] {
-    Beat& b = cursorBeat(ctx.doc);
+    Beat& b = CursorBeatMut(ctx.doc);
     b.Dotted = !b.Dotted;
   });
 }
@@ -53,7 +52,7 @@ void mnuChordXTuplets_Click(EditContext& ctx, int index) {
   RunCommand(ctx, [&] {
     if (index < 0 || index >= kTupletKinds)
       throw ScoreError("tuplet entry " + std::to_string(index) + " does not exist");
-    Beat& b = cursorBeat(ctx.doc);
+    Beat& b = CursorBeatMut(ctx.doc);
     if (b.IsTuplet && b.Tuplet == index) {
       b.IsTuplet = false;
     } else {
