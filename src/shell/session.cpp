@@ -69,6 +69,14 @@ void PrepareDataFolder(const AppFolder& folder,
     fs::copy_file(folder.data() / "Languages" / "English.txt", current, ec);
 }
 
+void DelTempFiles(const AppFolder& folder) {
+  std::error_code ec;
+  for (const char* name : {"temp", "temp2"}) {
+    const auto p = folder.data() / name;
+    if (std::filesystem::is_regular_file(p, ec)) std::filesystem::remove(p, ec);
+  }
+}
+
 Session::Session(AppFolder folder, Prompter& prompter)
     : folder_(std::move(folder)),
       prompter_(prompter),
@@ -81,6 +89,7 @@ bool Session::start(const CommandLine& cmd, const std::vector<std::filesystem::p
   // The language comes first so that every message of the start-up is in the user's language;
   // the language file lives in the data folder, so that is made ready just before.
   PrepareDataFolder(folder_, seedFolders);
+  DelTempFiles(folder_);
   try {
     messages_.load(ReadWholeFile(languageFile(), 4 << 20));
   } catch (const FileError&) {
@@ -124,6 +133,7 @@ void Session::shutdown() {
   store_->SaveSetting("AESTHETIC", "DONOTCHANGE1", std::to_string(FretboardStyle));
   store_->SaveSetting("AESTHETIC", "DONOTCHANGE2", std::to_string(FretboardMarker));
   store_->sync();
+  DelTempFiles(folder_);
   try {
     SaveINISettings(ini_, folder_.iniFile());
   } catch (const FileError& e) {

@@ -36,6 +36,10 @@ CommandLine ParseCommandLine(const std::vector<std::string>& args);
 void PrepareDataFolder(const AppFolder& folder,
                        const std::vector<std::filesystem::path>& seedFolders);
 
+// Removes <app>/Data/temp and <app>/Data/temp2, each only if it is there. Saving no longer goes
+// through them, but a crash of an older version may have left them behind.
+void DelTempFiles(const AppFolder& folder);
+
 class Session {
  public:
   Session(AppFolder folder, Prompter& prompter);

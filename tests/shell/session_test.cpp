@@ -61,7 +61,9 @@ TEST(Session, FirstRunWritesTheSettingsAndALaterRunReadsThem) {
     s.ini().ToolbarVisible[5] = false;
     s.settings().SaveSetting(kDefaultInfoSection, "3", "Me");
     s.FretboardStyle = 2;
+    WriteFileAtomically(folder.data() / "temp", "left by a crash");
     s.shutdown();
+    EXPECT_FALSE(std::filesystem::exists(folder.data() / "temp"));
   }
   {
     Session s(folder, prompter);
