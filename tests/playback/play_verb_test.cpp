@@ -63,14 +63,10 @@ class PlayVerb : public ::testing::Test {
   Score song_;
 };
 
-TEST_F(PlayVerb, TraceIsTheSchedulersStream) {
+TEST_F(PlayVerb, TraceOfBarsAndTracksCountedFromOne) {
   std::string out;
   ASSERT_EQ(run("play '" + file() + "' --trace", out), 0) << err();
   EXPECT_EQ(out, Lines(TraceSong(song_, 0, 2, {.FollowPlayback = false})));
-}
-
-TEST_F(PlayVerb, BarsAndTracksCountFromOne) {
-  std::string out;
   ASSERT_EQ(run("play '" + file() + "' --trace --from 2 --to 2", out), 0) << err();
   EXPECT_EQ(out, Lines(TraceSong(song_, 1, 1, {.FollowPlayback = false})));
 

@@ -100,22 +100,8 @@ TEST(Scheduler, StepTimingByTempoLengthAndTuplets) {
   }
 }
 
-TEST(Scheduler, ChordSoundsAtOnceAndTheNextBeatEndsIt) {
-  Score s = MakeSong(1, 1);
-  AddBeat(s, 0, 0, kHalf, {{3, "2"}, {4, "3"}, {5, "0"}});
-  AddBeat(s, 0, 0, kHalf, {{0, "0"}});
-  const auto msgs = Trace(s);
-  const auto ons = NoteOns(msgs);
-  EXPECT_EQ(ons, (std::vector<NoteOn>{{31, 0, 40, 100}, {31, 0, 48, 100}, {31, 0, 52, 100}, {Step120(32), 0, 64, 100}}));
-  // Between the chord and the next beat, channel 0 is cleared at the next beat's step.
-  bool clearedAt32 = false;
-  for (const MidiMessage& m : msgs)
-    if (m.TimeMs == Step120(32) && m.Status == 0xB0 && m.Data1 == 123) clearedAt32 = true;
-  EXPECT_TRUE(clearedAt32);
-  EXPECT_TRUE(EveryNoteEnds(msgs));
-}
-
-TEST(Scheduler, StrokesCrossTheStringsOneByOne) {
+// A chord sounds at once; marked with a stroke, it crosses the strings one by one.
+TEST(Scheduler, ChordsAndStrokes) {
   struct Case {
     const char* name;
     int stroke, length;
