@@ -43,7 +43,9 @@ Player::~Player() {
   // No signals from a half-destroyed player.
   scheduler_->hooks = {};
   scheduler_.reset();
-  if (out_) MIDIClose(*out_);
+  // A typed note may still be sounding; a hardware synthesizer would hold it for ever.
+  if (tmrStop_->Enabled()) MIDIAllNotesOff(*out_);
+  if (devices_) MIDIClose(*devices_);
 }
 
 void Player::wire() {
