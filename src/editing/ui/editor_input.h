@@ -2,6 +2,21 @@
 // window's document view; it turns Qt key events into the editor's keys (the way Shift+digit,
 // the keypad and the laptop's main-row + and - arrive differs by keyboard), clicks into
 // picDocument_MouseDown, and after an edit keeps the cursor's row in sight.
+//
+// The whole wiring of the editor into the main window (tests/editing/main_window_editor.h does
+// exactly this):
+//   EditContext ctx(session.doc(), session.prompter());
+//   ctx.setUndoLevels(ini.UndoLevels);  ctx.settings.PlayAsTyped = ini.PlayNotesAsTyped;
+//   ctx.hooks.drawDocument    = [&] { window.DrawDocument(); };
+//   ctx.hooks.passwordCorrect = [&] { return session.files().PasswordCorrect(); };
+//   ctx.hooks.text            = [&](std::string_view k) { return session.messages().str(k); };
+//   ctx.hooks.playChord       = [&](int t, int b, int k) { player.soundBeat(session.doc(), t, b, k); };
+//   ctx.hooks.isPlaying / stopPlayback / playFromStart / playFromHere -> the Player
+//   ctx.hooks.trackChanged, gotoPointsChanged, openDialog, openRightMenu -> the window
+//   auto* input = new EditorInput(window.view(), ctx);
+//   connect(view, &DocumentView::drawn, [&] { input->afterDraw(); UpdateEditingMenus(find, ctx); });
+//   ConnectEditingMenus(find, &window, ctx);   // find = [&](QString n) { return window.action(n); }
+//   files.documentReplaced -> also ctx.documentReplaced()
 #pragma once
 
 #include <QObject>
