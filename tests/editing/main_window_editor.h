@@ -16,7 +16,14 @@ namespace plectaro::test {
 struct WiredWindow {
   explicit WiredWindow(Session& session)
       : window(session), ctx(session.doc(), session.prompter()) {
+    ctx.setUndoLevels(static_cast<int16_t>(session.ini().UndoLevels));
+    ctx.settings.PlayAsTyped = session.ini().PlayNotesAsTyped;
     ctx.hooks.drawDocument = [this] { window.DrawDocument(); };
+    auto replaced = session.files().documentReplaced;
+    session.files().documentReplaced = [this, replaced] {
+      if (replaced) replaced();
+      ctx.documentReplaced();
+    };
     ctx.hooks.passwordCorrect = [&session] { return session.files().PasswordCorrect(); };
     ctx.hooks.text = [&session](std::string_view key) { return session.messages().str(key); };
     input = new EditorInput(window.view(), ctx);
