@@ -4,10 +4,8 @@
 #include <QApplication>
 #include <QComboBox>
 #include <QDialog>
-#include <QListWidget>
 #include <QPushButton>
 #include <QRadioButton>
-#include <QSpinBox>
 #include <QTimer>
 #include <functional>
 
@@ -81,22 +79,6 @@ TEST(Dialogs, KeySignatureMinorAndCancel) {
   }, false);
   mnuBarKeySignature_Click(nullptr, f.ctx);
   EXPECT_TRUE(f.doc.score == before);
-}
-
-TEST(Dialogs, CopyThenPasteTwiceBeforeTheBar) {
-  Fixture f;
-  f.doc.score.noteMut(0, 1, 0, 0).Fret = "5";
-  answerNextDialog([](QDialog* d) {
-    EXPECT_TRUE(d->findChild<QWidget*>("picCopy")->isVisibleTo(d));
-  }, true);
-  mnuBarCopy_Click(nullptr, f.ctx);
-  answerNextDialog([](QDialog* d) {
-    d->findChild<QSpinBox*>("txtNum")->setValue(2);
-    d->findChild<QRadioButton*>("optBefore")->setChecked(true);
-  }, true);
-  mnuBarPaste_Click(nullptr, f.ctx);
-  ASSERT_EQ(f.doc.score.BarInfos.size(), 6u);
-  for (int b : {1, 2, 3}) EXPECT_EQ(f.doc.score.note(0, b, 0, 0).Fret, "5") << b;
 }
 
 TEST(Dialogs, CodaWizardWalksFourSteps) {
