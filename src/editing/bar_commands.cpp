@@ -348,6 +348,10 @@ void mnuBarRepeatClose_Click(EditContext& ctx) {
     return;
   }
   if (!PasswordCorrect(ctx)) return;
+  if (ctx.hooks.askRepeatCount) {
+    if (auto count = ctx.hooks.askRepeatCount()) SetRepeatClose(ctx, *count);
+    return;
+  }
   auto answer = ctx.prompter.textInput(ctx.text("txt_RepeatCount"), ctx.text("txt_RepeatClose"), false);
   if (!answer) return;
   int count = 0;

@@ -47,6 +47,9 @@ struct EditHooks {
   std::function<void(bool enabled)> undoEnabled;
   // Opens a dialog of the effect editors or the chord manager on the cursor's beat.
   std::function<void(EditDialog)> openDialog;
+  // ntne_frmEndRepeat: how many times the section is to be repeated; nullopt when cancelled.
+  // When empty, the question goes through the Prompter as a line of text.
+  std::function<std::optional<int>()> askRepeatCount;
   // Opens the right-click menu at a point of the picture.
   std::function<void(int x, int y)> openRightMenu;
   // A message text of the interface language by its key ("str_ExceededBar"...); when empty

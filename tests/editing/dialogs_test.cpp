@@ -6,6 +6,7 @@
 #include <QDialog>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QSpinBox>
 #include <QTimer>
 #include <functional>
 
@@ -79,6 +80,14 @@ TEST(Dialogs, KeySignatureMinorAndCancel) {
   }, false);
   mnuBarKeySignature_Click(nullptr, f.ctx);
   EXPECT_TRUE(f.doc.score == before);
+}
+
+TEST(Dialogs, RepeatCountAsked) {
+  Fixture f;
+  f.ctx.hooks.askRepeatCount = [] { return AskRepeatCount(nullptr); };
+  answerNextDialog([](QDialog* d) { d->findChild<QSpinBox*>("valBox1")->setValue(4); }, true);
+  mnuBarRepeatClose_Click(f.ctx);
+  EXPECT_EQ(f.doc.score.BarInfos[1].RepeatClose, 4);
 }
 
 TEST(Dialogs, CodaWizardWalksFourSteps) {

@@ -396,6 +396,22 @@ class CodaDialog : public QDialog {
 
 }  // namespace
 
+std::optional<int> AskRepeatCount(QWidget* parent) {
+  QDialog d(parent);
+  d.setObjectName("ntne_frmEndRepeat");
+  d.setWindowTitle("Repeat Close");
+  auto* l = new QVBoxLayout(&d);
+  l->addWidget(new QLabel("How many times would you like the section to be repeated?", &d));
+  auto* valBox1 = new QSpinBox(&d);
+  valBox1->setObjectName("valBox1");
+  valBox1->setRange(1, 99);
+  valBox1->setValue(2);
+  l->addWidget(valBox1);
+  l->addWidget(okCancel(&d));
+  if (d.exec() != QDialog::Accepted) return std::nullopt;
+  return valBox1->value();
+}
+
 void mnuBarTimeSignature_Click(QWidget* parent, EditContext& ctx) {
   if (!PasswordCorrect(ctx)) return;
   BarTimeSigDialog d(ctx.doc, parent);

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <QDialog>
+#include <optional>
 
 #include "editing/bar_commands.h"
 
@@ -26,6 +27,9 @@ void mnuBarCut_Click(QWidget* parent, EditContext& ctx);            // ntne_frmC
 void mnuBarCopy_Click(QWidget* parent, EditContext& ctx);
 void mnuBarPaste_Click(QWidget* parent, EditContext& ctx);
 void mnuBarCoda_Click(QWidget* parent, EditContext& ctx);           // ntne_frmCoda
+// ntne_frmEndRepeat: the repeat count (1 to 99, 2 offered); nullopt when cancelled. Set as
+// EditHooks::askRepeatCount.
+std::optional<int> AskRepeatCount(QWidget* parent);
 
 // The three range options the signature dialogs share.
 class RangeOptions;

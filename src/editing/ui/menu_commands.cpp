@@ -91,6 +91,7 @@ std::vector<MenuCommand> EditingMenuCommands(QWidget* parent, EditContext& ctx) 
 
 void ConnectEditingMenus(const std::function<QAction*(const QString& name)>& find, QWidget* parent,
                          EditContext& ctx) {
+  if (!ctx.hooks.askRepeatCount) ctx.hooks.askRepeatCount = [parent] { return AskRepeatCount(parent); };
   for (MenuCommand& cmd : EditingMenuCommands(parent, ctx)) {
     QAction* a = find(QString::fromLatin1(cmd.name));
     if (!a) continue;

@@ -25,7 +25,7 @@ struct MenuCommand {
 std::vector<MenuCommand> EditingMenuCommands(QWidget* parent, EditContext& ctx);
 
 // Connects and enables each item that `find` returns (null for items the window lacks) and
-// adds its key to the caption. Items the window has enabled with a command of its own are left
+// adds its key to the caption; gives the editor the repeat count dialog. Items the window has enabled with a command of its own are left
 // to it. Call again after the captions were set from a language file: connections are made
 // once per item only.
 void ConnectEditingMenus(const std::function<QAction*(const QString& name)>& find, QWidget* parent,
