@@ -4,6 +4,7 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QScrollBar>
+#include <QTimer>
 
 #include "editing/hit_test.h"
 #include "editing/key_map.h"
@@ -130,10 +131,13 @@ void EditorInput::afterDraw() {
   QScrollBar* v = view_->verticalScrollBar();
   const int want = ScrollToShowCursor(ctx_.doc, v->value(), viewport_->height());
   if (want == v->value()) return;
-  // The stored bar positions are those of the old scroll value: lay out afresh, so that the
-  // drawing and the next click see where the bars now stand.
-  ctx_.doc.FullRelayout = true;
-  v->setValue(want);
+  // The draw that called us is still painting, and a scroll made now would not repaint: move
+  // the bar once it has finished. The bar positions of the old scroll value go with it, so the
+  // next draw lays out afresh and the next click sees where the bars now stand.
+  QTimer::singleShot(0, this, [this, want] {
+    ctx_.doc.FullRelayout = true;
+    view_->verticalScrollBar()->setValue(want);
+  });
 }
 
 }  // namespace plectaro
