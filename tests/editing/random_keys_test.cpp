@@ -6,6 +6,8 @@
 #include <random>
 
 #include "edit_fixture.h"
+#include "score/music_file.h"
+#include "score/settings_store.h"
 
 namespace plectaro::test {
 namespace {
@@ -61,6 +63,11 @@ TEST(RandomKeys, NeverBreakTheScore) {
         e.doc.score.Tracks[0].DrumTrack = true;
         e.doc.score.SetTimeSignature(0, 0, 4);
       },
+      [](Editor& e) {  // a real song: several tracks, repeats, a coda
+        MemorySettingsStore settings;
+        ASSERT_EQ(OpenMusicFile(e.doc, PLECTARO_SOURCE_DIR "/data/examples/band.plm", settings),
+                  OpenOutcome::Opened);
+      },
   };
   std::mt19937 rng(20261123);
   for (size_t i = 0; i < std::size(starts); ++i) {
@@ -68,6 +75,7 @@ TEST(RandomKeys, NeverBreakTheScore) {
     e.ctx.setUndoLevels(8);
     starts[i](e);
     for (int step = 0; step < 3000; ++step) {
+      if (step % 250 == 249) SetCursorTrack(e.ctx, static_cast<int>(rng() % e.doc.score.Tracks.size()));
       const KeyPress& k = keys[rng() % keys.size()];
       picDocument_KeyDown(e.ctx, k.key, k.mods);
       expectWellFormed(e, step);
