@@ -309,6 +309,9 @@ class CutCopyPasteDialog : public QDialog {
     pages->addWidget(picCopy);
     pages->addWidget(picPaste);
     pages->setCurrentIndex(static_cast<int>(mode));
+    // The form is as large as the page it shows, not as the largest of the three.
+    for (int i = 0; i < pages->count(); ++i)
+      if (i != pages->currentIndex()) pages->widget(i)->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Ignored);
     l->addWidget(pages);
     l->addWidget(okCancel(this));
   }
