@@ -4,6 +4,7 @@
 #include <QApplication>
 #include <QIcon>
 #include <QTimer>
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <filesystem>
@@ -14,6 +15,12 @@
 #include "shell/ui/document_view.h"
 #include "shell/ui/main_window.h"
 #include "shell/ui/qt_prompter.h"
+
+#ifdef PLECTARO_HAVE_EDITING
+#include "editing/edit_context.h"
+#include "editing/ui/editor_input.h"
+#include "editing/ui/menu_commands.h"
+#endif
 
 namespace {
 
@@ -63,6 +70,34 @@ int main(int argc, char** argv) {
   plectaro::MainWindow window(session);
   prompter.setParent(&window);
   window.restoreToolbars();
+
+#ifdef PLECTARO_HAVE_EDITING
+  // The editor: keys and clicks of the document view, the editing menu items, the undo ring.
+  // Sounding notes waits for the player to be wired in.
+  plectaro::EditContext edit(session.doc(), session.prompter());
+  auto applySettings = [&] {
+    edit.setUndoLevels(static_cast<int16_t>(std::clamp(session.ini().UndoLevels, 0, 100)));
+    edit.settings.PlayAsTyped = session.ini().PlayNotesAsTyped;
+  };
+  applySettings();
+  QObject::connect(&window, &plectaro::MainWindow::settingsApplied, &window, applySettings);
+  edit.hooks.drawDocument = [&] { window.DrawDocument(); };
+  edit.hooks.passwordCorrect = [&] { return session.files().PasswordCorrect(); };
+  edit.hooks.text = [&](std::string_view key) { return session.messages().str(key); };
+  edit.hooks.trackChanged = [&] { window.view()->resetScroll(); };
+  auto replaced = session.files().documentReplaced;
+  session.files().documentReplaced = [&edit, replaced] {
+    if (replaced) replaced();
+    edit.documentReplaced();
+  };
+  auto* input = new plectaro::EditorInput(window.view(), edit);
+  auto find = [&window](const QString& name) { return window.action(name); };
+  plectaro::ConnectEditingMenus(find, &window, edit);
+  QObject::connect(window.view(), &plectaro::DocumentView::drawn, input, [input, find, &edit] {
+    input->afterDraw();
+    plectaro::UpdateEditingMenus(find, edit);
+  });
+#endif
   if (cmd.printStartupTime) {
     QObject::connect(window.view(), &plectaro::DocumentView::firstPainted, &app, [&] {
       const double ms = std::chrono::duration<double, std::milli>(

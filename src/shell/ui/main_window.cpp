@@ -488,6 +488,7 @@ void MainWindow::mnuToolsOptions_Click() {
   OptionsDialog dlg(session_, this);
   dlg.onApply = [this] {
     session_.doc().FullRelayout = true;
+    emit settingsApplied();
     DrawDocument();
   };
   dlg.exec();

@@ -40,6 +40,10 @@ class MainWindow : public QMainWindow {
   void mnuFileProperties_Click();
   void mnuToolsOptions_Click();
 
+ signals:
+  // The Options dialog stored new settings (undo levels, playing notes as typed...).
+  void settingsApplied();
+
  protected:
   void closeEvent(QCloseEvent* e) override;
   void dragEnterEvent(QDragEnterEvent* e) override;
