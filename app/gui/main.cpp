@@ -16,6 +16,10 @@
 #include "shell/ui/main_window.h"
 #include "shell/ui/qt_prompter.h"
 
+#ifdef PLECTARO_HAVE_PLAYBACK
+#include "playback/qt/player.h"
+#include "playback_wiring.h"
+#endif
 #ifdef PLECTARO_HAVE_EDITING
 #include "editing/edit_context.h"
 #include "editing/ui/editor_input.h"
@@ -71,10 +75,11 @@ int main(int argc, char** argv) {
   prompter.setParent(&window);
   window.restoreToolbars();
 
+  [[maybe_unused]] plectaro::EditContext* editor = nullptr;
 #ifdef PLECTARO_HAVE_EDITING
   // The editor: keys and clicks of the document view, the editing menu items, the undo ring.
-  // Sounding notes waits for the player to be wired in.
   plectaro::EditContext edit(session.doc(), session.prompter());
+  editor = &edit;
   auto applySettings = [&] {
     edit.setUndoLevels(static_cast<int16_t>(std::clamp(session.ini().UndoLevels, 0, 100)));
     edit.settings.PlayAsTyped = session.ini().PlayNotesAsTyped;
@@ -97,6 +102,15 @@ int main(int argc, char** argv) {
     input->afterDraw();
     plectaro::UpdateEditingMenus(find, edit);
   });
+#endif
+#ifdef PLECTARO_HAVE_PLAYBACK
+  // Playback: the Sound menu, the play marker, notes sounded as they are typed. The output
+  // device opens once the first page is on screen, so loading the sounds never delays it.
+  plectaro::Player player(&session.settings(), &window);
+  auto* sound = new plectaro::PlaybackWiring(window, session, player, editor);
+  if (!cmd.printStartupTime)
+    QObject::connect(window.view(), &plectaro::DocumentView::firstPainted, sound,
+                     [sound] { QTimer::singleShot(0, sound, [sound] { sound->loadDevice(); }); });
 #endif
   if (cmd.printStartupTime) {
     QObject::connect(window.view(), &plectaro::DocumentView::firstPainted, &app, [&] {

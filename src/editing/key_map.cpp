@@ -147,7 +147,6 @@ bool navigationKey(EditContext& ctx, Key key, Modifiers mods) {
 
 void writeDrumSymbol(EditContext& ctx, char symbol) {
   RunCommand(ctx, [&] {
-    Document& d = ctx.doc;
     CursorSlotMut(ctx.doc).Fret = std::string(1, symbol);
   });
 }
