@@ -56,6 +56,12 @@ void BM_WriteText(benchmark::State& state) {
   for (auto _ : state) benchmark::DoNotOptimize(WriteMusicText(s));
 }
 
+// The save without the disk: the tag text and the cipher.
+void BM_Encode(benchmark::State& state) {
+  const Score s = bigScore(false);
+  for (auto _ : state) benchmark::DoNotOptimize(CipherBytes(WriteMusicText(s)));
+}
+
 void BM_ReadText(benchmark::State& state) {
   const std::string text = WriteMusicText(bigScore(false));
   for (auto _ : state) {
@@ -71,5 +77,6 @@ void BM_ReadText(benchmark::State& state) {
 BENCHMARK(BM_Save)->Arg(0)->Arg(1)->ArgName("repeating")->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_Load)->Arg(0)->Arg(1)->ArgName("repeating")->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_WriteText)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_Encode)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_ReadText)->Unit(benchmark::kMillisecond);
 BENCHMARK_MAIN();

@@ -61,9 +61,20 @@ int stringsOf(const Track& t) { return std::clamp<int>(t.Tuning.NumStrings, 0, k
 
 // ============================== writer ==============================
 
+// A bar number inside a bar's tags. The bar compression renders each bar once with bar number
+// 0 and notes where the number stands, so the stream can put the real number there later
+// without rendering the bar a second time.
+struct BarNo {
+  int b;
+};
+
 class Out {
  public:
-  explicit Out(std::string& s) : s_(s) {}
+  explicit Out(std::string& s, std::vector<size_t>* barMarks = nullptr) : s_(s), marks_(barMarks) {}
+  Out& operator<<(BarNo b) {
+    if (marks_) marks_->push_back(s_.size());
+    return *this << b.b;
+  }
   Out& operator<<(std::string_view v) {
     s_.append(v);
     return *this;
@@ -89,6 +100,7 @@ class Out {
 
  private:
   std::string& s_;
+  std::vector<size_t>* marks_;
 };
 
 void writeFont(Out& o, std::string_view name, const FontInfo& f) {
@@ -200,7 +212,7 @@ void writePadded(Out& o, const std::string& v) {
   o << std::string_view(enc);
 }
 
-void writeChord(Out& o, const BeatChord& c, int t, int b, int k) {
+void writeChord(Out& o, const BeatChord& c, int t, BarNo b, int k) {
   o << '<' << tag::Chord << t << '|' << b << '\\' << k << '/' << c.Barre << '\\' << int{c.StartFret}
     << '/' << int{c.NumStrings} << '\\';
   for (size_t i = 0; i < kMaxStrings; ++i) o << int{c.Tuning[i]} << (i % 2 == 0 ? '/' : '\\');
@@ -213,7 +225,7 @@ void writeChord(Out& o, const BeatChord& c, int t, int b, int k) {
   o.text(c.Name) << '>';
 }
 
-void writeNote(Out& o, const NoteSlot& n, int t, int b, int k, int s) {
+void writeNote(Out& o, const NoteSlot& n, int t, BarNo b, int k, int s) {
   // Every note tag names its place as t|b\k/s.
   auto place = [&](std::string_view name) -> Out& {
     return o << '<' << name << t << '|' << b << '\\' << k << '/' << s;
@@ -243,7 +255,7 @@ void writeNote(Out& o, const NoteSlot& n, int t, int b, int k, int s) {
   if (n.HasTrill) place(tag::Trill) << ':' << int{n.Trill.TrillFret} << '|' << int{n.Trill.Period} << '>';
 }
 
-void writeBeat(Out& o, const Beat& bt, int t, int b, int k, int numStrings) {
+void writeBeat(Out& o, const Beat& bt, int t, BarNo b, int k, int numStrings) {
   if (!bt.GotoName.empty()) {
     o << '<' << tag::Goto << t << '|' << b << '\\' << k << '/';
     o.text(bt.GotoName) << '>';
@@ -270,49 +282,64 @@ void writeBeat(Out& o, const Beat& bt, int t, int b, int k, int numStrings) {
 
 // The body of one TrackBar: key tags and beats. The bar compression renders it once with bar
 // number 0, so that equal bars give equal text.
-void writeBarBody(Out& o, const TrackBar& tb, int t, int b, int numStrings) {
+void writeBarBody(Out& o, const TrackBar& tb, int t, BarNo b, int numStrings) {
   o << '<' << tag::Key << t << '\\' << b << '/' << int{tb.KeySignature} << '>';
   o << '<' << tag::KeyMinor << t << '\\' << b << '/' << tb.KeyMinor << '>';
   for (size_t k = 0; k < tb.Beats.size(); ++k)
     writeBeat(o, tb.Beats[k], t, b, static_cast<int>(k), numStrings);
 }
 
-// For each bar of a track, the nearest earlier bar with the same text, or -1. A reference may
-// point at a bar that is itself a reference.
-std::vector<int> barReferences(const Track& tr, int t) {
+// Each bar of a track rendered once with bar number 0, where that number stands in it, and
+// the nearest earlier bar with the same text (or -1). A reference may point at a bar that is
+// itself a reference.
+struct TrackBarTexts {
+  std::vector<std::string> texts;
+  std::vector<std::vector<size_t>> barMarks;
+  std::vector<int> refs;
+};
+
+TrackBarTexts renderBars(const Track& tr, int t) {
   const int numStrings = stringsOf(tr);
-  std::vector<std::string> texts(tr.Bars.size());
-  std::vector<int> refs(tr.Bars.size(), -1);
+  const size_t n = tr.Bars.size();
+  TrackBarTexts r{std::vector<std::string>(n), std::vector<std::vector<size_t>>(n), std::vector<int>(n, -1)};
   std::unordered_map<std::string_view, int> lastSeen;
-  lastSeen.reserve(tr.Bars.size());
-  for (size_t b = 0; b < tr.Bars.size(); ++b) {
-    // Bars still shared with an earlier bar of the track (a copy never edited) need no text.
+  lastSeen.reserve(n);
+  std::vector<size_t> rendered(n);  // the bar whose text stands for this one
+  for (size_t b = 0; b < n; ++b) {
+    // A bar still shared with the bar before it (a copy never edited) has the same text.
     if (b > 0 && tr.Bars[b].sharesWith(tr.Bars[b - 1])) {
-      refs[b] = static_cast<int>(b) - 1;
-      texts[b] = texts[b - 1];
-      lastSeen[texts[b]] = static_cast<int>(b);
+      r.refs[b] = static_cast<int>(b) - 1;
+      rendered[b] = rendered[b - 1];
+      lastSeen[r.texts[rendered[b]]] = static_cast<int>(b);
       continue;
     }
-    Out o(texts[b]);
-    writeBarBody(o, *tr.Bars[b], t, 0, numStrings);
-    auto [it, fresh] = lastSeen.try_emplace(texts[b], static_cast<int>(b));
+    rendered[b] = b;
+    Out o(r.texts[b], &r.barMarks[b]);
+    writeBarBody(o, *tr.Bars[b], t, BarNo{0}, numStrings);
+    auto [it, fresh] = lastSeen.try_emplace(r.texts[b], static_cast<int>(b));
     if (!fresh) {
-      refs[b] = it->second;
+      r.refs[b] = it->second;
       it->second = static_cast<int>(b);
     }
   }
-  // The map's keys view into `texts`; it dies with this function before they do.
-  return refs;
+  return r;
 }
 
 void writeTrackBars(Out& o, const Track& tr, int t) {
-  const std::vector<int> refs = barReferences(tr, t);
-  const int numStrings = stringsOf(tr);
+  const TrackBarTexts bars = renderBars(tr, t);
   for (size_t b = 0; b < tr.Bars.size(); ++b) {
-    if (refs[b] >= 0)
-      o << '<' << tag::BarCopy << t << '\\' << static_cast<int>(b) << '|' << refs[b] << '>';
-    else
-      writeBarBody(o, *tr.Bars[b], t, static_cast<int>(b), numStrings);
+    if (bars.refs[b] >= 0) {
+      o << '<' << tag::BarCopy << t << '\\' << static_cast<int>(b) << '|' << bars.refs[b] << '>';
+      continue;
+    }
+    // The bar's text with its real number where the 0 stands.
+    const std::string& text = bars.texts[b];
+    size_t from = 0;
+    for (size_t mark : bars.barMarks[b]) {
+      o << std::string_view(text).substr(from, mark - from) << static_cast<int>(b);
+      from = mark + 1;
+    }
+    o << std::string_view(text).substr(from);
   }
 }
 
@@ -810,11 +837,22 @@ std::string_view firstLine(std::string_view plain) {
   return end == std::string_view::npos ? plain : plain.substr(0, end);
 }
 
+// A generous guess at the length of the text, so that a large score is built in one buffer
+// instead of being copied again at every doubling.
+size_t estimatedLength(const Score& s) {
+  size_t n = 4096 + 40 * s.BarInfos.size();
+  for (const Track& tr : s.Tracks) {
+    n += 2500;
+    for (const Cow<TrackBar>& bar : tr.Bars) n += 48 + bar->Beats.size() * (8 + 20 * static_cast<size_t>(stringsOf(tr)));
+  }
+  return n;
+}
+
 }  // namespace
 
 std::string WriteMusicText(const Score& s) {
   std::string text;
-  text.reserve(4096);
+  text.reserve(estimatedLength(s));
   Out o(text);
   o << kVersionLine << "\r\n";
   writeDocumentFields(o, s);

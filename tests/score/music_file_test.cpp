@@ -132,6 +132,21 @@ TEST(MusicFile, IdenticalBarsAreStoredAsReferences) {
   EXPECT_EQ(text.find("<TB=0\\4|"), std::string::npos);
   EXPECT_EQ(text.find("<TB=0\\1|"), std::string::npos);
   EXPECT_EQ(reload(s), s);
+
+  // Bars that share one record in memory (as a load leaves them) write the same stream as
+  // bars that only look alike.
+  Score shared = s;
+  shared.Tracks[0].Bars[3] = shared.Tracks[0].Bars[1];
+  shared.Tracks[0].Bars[4] = shared.Tracks[0].Bars[3];
+  shared.Tracks[0].Bars[5] = shared.Tracks[0].Bars[4];
+  Score alike = s;
+  for (int b : {3, 4, 5}) alike.barMut(0, b) = alike.bar(0, 1);
+  for (Score* x : {&shared, &alike}) {
+    x->SetBarCount(6);
+    x->barMut(0, 6) = x->bar(0, 1);  // alike again, after the run of shared bars
+  }
+  EXPECT_NE(WriteMusicText(alike).find("<TB=0\\6|5>"), std::string::npos);
+  EXPECT_EQ(WriteMusicText(shared), WriteMusicText(alike));
 }
 
 TEST(MusicFile, ReaderQuirks) {
