@@ -173,7 +173,7 @@ TEST(BarCommands, RefusalsSayWhyAndChangeNothing) {
     EXPECT_TRUE(e.doc.score == before) << c.what;
     EXPECT_FALSE(e.doc.ScoreChanged) << c.what;
     ASSERT_FALSE(e.prompter.asked().empty()) << c.what;
-    if (c.message) EXPECT_EQ(e.prompter.asked().back().text, c.message) << c.what;
+    if (c.message) { EXPECT_EQ(e.prompter.asked().back().text, c.message) << c.what; }
   }
 }
 
@@ -198,7 +198,7 @@ TEST(BarCommands, SignaturesOverTheirRange) {
       const bool inRange = nums.back() == '3';
       EXPECT_EQ(e.doc.score.bar(0, b).KeySignature, inRange ? 2 : 0);
       EXPECT_EQ(e.doc.score.bar(1, b).KeySignature, 0) << "keys belong to the cursor's track";
-      if (inRange) EXPECT_EQ(e.doc.score.BarInfos[static_cast<size_t>(b)].TimeSigDenominator, 8);
+      if (inRange) { EXPECT_EQ(e.doc.score.BarInfos[static_cast<size_t>(b)].TimeSigDenominator, 8); }
     }
     EXPECT_EQ(nums, c.nums);
   }

@@ -206,7 +206,7 @@ TEST(Rhythm, LengthDotAndTupletKeys) {
     EXPECT_EQ(r.Length, c.wantLength) << c.keys;
     EXPECT_EQ(r.Dotted, c.wantDotted) << c.keys;
     EXPECT_EQ(r.IsTuplet, c.wantTuplet) << c.keys;
-    if (c.wantTuplet) EXPECT_EQ(r.Tuplet, c.wantKind) << c.keys;
+    if (c.wantTuplet) { EXPECT_EQ(r.Tuplet, c.wantKind) << c.keys; }
   }
 }
 
