@@ -6,6 +6,8 @@
 // track is laid out again: the worst case of ordinary typing).
 #include <benchmark/benchmark.h>
 
+#include "qt_bench_main.h"
+
 #include <QGuiApplication>
 #include <QImage>
 #include <QPainter>
@@ -163,14 +165,4 @@ BENCHMARK(BM_UndoMemory_50Levels)->Iterations(1)->Unit(benchmark::kMillisecond);
 }  // namespace
 }  // namespace plectaro
 
-int main(int argc, char** argv) {
-  if (!std::getenv("QT_QPA_PLATFORM")) setenv("QT_QPA_PLATFORM", "offscreen", 1);
-  int qargc = 1;
-  char name[] = "bench_editing";
-  char* qargv[] = {name, nullptr};
-  QGuiApplication app(qargc, qargv);
-  benchmark::Initialize(&argc, argv);
-  benchmark::RunSpecifiedBenchmarks();
-  benchmark::Shutdown();
-  return 0;
-}
+PLECTARO_QT_BENCHMARK_MAIN("bench_editing")

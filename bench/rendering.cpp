@@ -3,6 +3,8 @@
 // logic alone) and on a QImage (what the window pays), for 100, 1000 and 5000 bars.
 #include <benchmark/benchmark.h>
 
+#include "qt_bench_main.h"
+
 #include <QGuiApplication>
 #include <QImage>
 #include <QPainter>
@@ -92,14 +94,4 @@ BENCHMARK(BM_LayoutOnly)->Arg(100)->Arg(1000)->Arg(5000)->Unit(benchmark::kMilli
 }  // namespace
 }  // namespace plectaro
 
-int main(int argc, char** argv) {
-  if (!std::getenv("QT_QPA_PLATFORM")) setenv("QT_QPA_PLATFORM", "offscreen", 1);
-  int qargc = 1;
-  char name[] = "bench_rendering";
-  char* qargv[] = {name, nullptr};
-  QGuiApplication app(qargc, qargv);
-  benchmark::Initialize(&argc, argv);
-  benchmark::RunSpecifiedBenchmarks();
-  benchmark::Shutdown();
-  return 0;
-}
+PLECTARO_QT_BENCHMARK_MAIN("bench_rendering")

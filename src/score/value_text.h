@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace plectaro {
 
@@ -25,5 +26,8 @@ inline const char* FormatBool(bool value) { return value ? "True" : "False"; }
 
 std::string_view Trim(std::string_view text);
 inline bool IsBlank(std::string_view text) { return Trim(text).empty(); }
+
+// The lines of a text file, without their CR LF or LF; views into `text`.
+std::vector<std::string_view> SplitLines(std::string_view text);
 
 }  // namespace plectaro

@@ -85,21 +85,6 @@ std::string formatPlace(const FloatBarPlace& p) {
 // Integer values are clamped: a hand-edited file may hold anything.
 int parseInt(std::string_view text) { return ParseI32(text); }
 
-// The file's lines, without their CR LF or LF.
-std::vector<std::string_view> splitLines(std::string_view text) {
-  std::vector<std::string_view> lines;
-  size_t start = 0;
-  while (start < text.size()) {
-    size_t end = text.find('\n', start);
-    if (end == std::string_view::npos) end = text.size();
-    std::string_view line = text.substr(start, end - start);
-    if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
-    lines.push_back(line);
-    start = end + 1;
-  }
-  return lines;
-}
-
 // A yes/no line is yes when a "1" stands anywhere from the value column on.
 bool readFlag(std::string_view line) {
   return line.size() > kValueColumn && line.find('1', kValueColumn) != std::string_view::npos;
@@ -178,7 +163,7 @@ std::string SaveINISettingsText(const IniSettings& s) {
 
 IniSettings LoadINISettingsText(std::string_view text) {
   IniSettings s;
-  const auto lines = splitLines(text);
+  const auto lines = SplitLines(text);
   size_t n = 6;  // the header is read past, never checked
   auto next = [&]() -> const std::string_view* { return n < lines.size() ? &lines[n++] : nullptr; };
   for (int i = 0; i < kToolbarCount; ++i)

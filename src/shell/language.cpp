@@ -5,6 +5,7 @@
 
 #include "score/file_io.h"
 #include "score/text_codec.h"
+#include "score/value_text.h"
 
 namespace plectaro {
 
@@ -57,20 +58,6 @@ std::vector<LanguageSection> parseTable(std::string_view text) {
                                       std::string(line.substr(eq + 1)));
   }
   return table;
-}
-
-std::vector<std::string_view> splitLines(std::string_view text) {
-  std::vector<std::string_view> lines;
-  size_t start = 0;
-  while (start < text.size()) {
-    size_t end = text.find('\n', start);
-    if (end == std::string_view::npos) end = text.size();
-    std::string_view line = text.substr(start, end - start);
-    if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
-    lines.push_back(line);
-    start = end + 1;
-  }
-  return lines;
 }
 
 const LanguageSection* findSection(std::string_view form) {
@@ -157,7 +144,7 @@ LanguageTexts loadSection(const std::vector<std::string_view>& lines, std::strin
 }  // namespace
 
 LanguageTexts LoadLanguage(std::string_view fileBytes, std::string_view form) {
-  return loadSection(splitLines(fileBytes), form);
+  return loadSection(SplitLines(fileBytes), form);
 }
 
 LanguageTexts LoadLanguageFile(const std::filesystem::path& file, std::string_view form) {
@@ -182,7 +169,7 @@ Messages::Messages() {
 }
 
 void Messages::load(std::string_view fileBytes) {
-  const auto lines = splitLines(fileBytes);
+  const auto lines = SplitLines(fileBytes);
   for (const auto& s : EnglishTable()) {
     for (auto& [k, v] : loadSection(lines, s.form)) {
       // A blank line would leave a message box without words; keep the English one then.

@@ -1,0 +1,20 @@
+// main() for a benchmark that draws through Qt: a QGuiApplication on the offscreen platform.
+#pragma once
+
+#include <benchmark/benchmark.h>
+
+#include <QGuiApplication>
+#include <cstdlib>
+
+#define PLECTARO_QT_BENCHMARK_MAIN(NAME)                                       \
+  int main(int argc, char** argv) {                                            \
+    if (!std::getenv("QT_QPA_PLATFORM")) setenv("QT_QPA_PLATFORM", "offscreen", 1); \
+    int qargc = 1;                                                             \
+    char name[] = NAME;                                                        \
+    char* qargv[] = {name, nullptr};                                           \
+    QGuiApplication app(qargc, qargv);                                         \
+    benchmark::Initialize(&argc, argv);                                        \
+    benchmark::RunSpecifiedBenchmarks();                                       \
+    benchmark::Shutdown();                                                     \
+    return 0;                                                                  \
+  }
