@@ -6,6 +6,7 @@
 // track is laid out again: the worst case of ordinary typing).
 #include <benchmark/benchmark.h>
 
+#include "bench_scores.h"
 #include "qt_bench_main.h"
 
 #include <QGuiApplication>
@@ -25,27 +26,11 @@
 namespace plectaro {
 namespace {
 
-// A 6-string track with treble staff and tab, 8 eighth-note beats a bar, a note on every beat.
-Document makeSong(int bars) {
-  Document doc;
-  doc.score.SetBarCount(bars - 1);
-  for (int b = 0; b < bars; ++b) {
-    doc.score.SetBeatCount(0, b, 7);
-    for (int k = 0; k < 8; ++k) {
-      Beat& beat = doc.score.beatMut(0, b, k);
-      beat.Length = kEighth;
-      beat.Notes[static_cast<size_t>(k % 6)].Fret = std::to_string((b + k) % 13);
-      if (k % 4 == 0) beat.Notes[5].Fret = "0";
-    }
-  }
-  doc.CursorBar = static_cast<int16_t>(bars / 2);
-  return doc;
-}
 
 // The window: a QImage the size of the view, scrolled to the cursor's row, redrawn by the
 // editor's draw hook as DrawDocument on a QPainter surface.
 struct View {
-  Document doc = makeSong(1000);
+  Document doc = BigTabSong(1000);
   ScriptedPrompter prompter;
   EditContext ctx{doc, prompter};
   QImage image{900, 1000, QImage::Format_RGB32};

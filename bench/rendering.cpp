@@ -3,6 +3,7 @@
 // logic alone) and on a QImage (what the window pays), for 100, 1000 and 5000 bars.
 #include <benchmark/benchmark.h>
 
+#include "bench_scores.h"
 #include "qt_bench_main.h"
 
 #include <QGuiApplication>
@@ -19,24 +20,6 @@
 namespace plectaro {
 namespace {
 
-// A 6-string track with treble staff and tab, 8 eighth-note beats a bar, a note on every beat.
-Document makeSong(int bars) {
-  Document doc;
-  Track& t = doc.score.Tracks[0];
-  t.TrebleStaff = true;
-  doc.score.SetBarCount(bars - 1);
-  for (int b = 0; b < bars; ++b) {
-    doc.score.SetBeatCount(0, b, 7);
-    for (int k = 0; k < 8; ++k) {
-      Beat& beat = doc.score.beatMut(0, b, k);
-      beat.Length = kEighth;
-      beat.Notes[static_cast<size_t>(k % 6)].Fret = std::to_string((b + k) % 13);
-      if (k % 4 == 0) beat.Notes[5].Fret = "0";
-    }
-  }
-  doc.CursorBar = static_cast<int16_t>(bars / 2);
-  return doc;
-}
 
 // Scrolls the view so that the cursor's row is in sight, as the editor does.
 ViewState viewOnCursor(Document& doc) {
@@ -50,7 +33,7 @@ ViewState viewOnCursor(Document& doc) {
 }
 
 void BM_RelayoutAndDrawRecording(benchmark::State& state) {
-  Document doc = makeSong(static_cast<int>(state.range(0)));
+  Document doc = BigTabSong(static_cast<int>(state.range(0)));
   const ViewState view = viewOnCursor(doc);
   const LayoutSettings settings;
   const DrawTexts texts;
@@ -65,7 +48,7 @@ void BM_RelayoutAndDrawRecording(benchmark::State& state) {
 }
 
 void BM_RelayoutAndDrawQImage(benchmark::State& state) {
-  Document doc = makeSong(static_cast<int>(state.range(0)));
+  Document doc = BigTabSong(static_cast<int>(state.range(0)));
   const ViewState view = viewOnCursor(doc);
   const LayoutSettings settings;
   const DrawTexts texts;
@@ -80,7 +63,7 @@ void BM_RelayoutAndDrawQImage(benchmark::State& state) {
 }
 
 void BM_LayoutOnly(benchmark::State& state) {
-  Document doc = makeSong(static_cast<int>(state.range(0)));
+  Document doc = BigTabSong(static_cast<int>(state.range(0)));
   for (auto _ : state) {
     DrawResult r = LayoutTrack(doc, 0, LayoutSettings{}, DrawTexts{});
     benchmark::DoNotOptimize(r);

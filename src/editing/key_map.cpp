@@ -265,33 +265,26 @@ void MoveCursorRight(EditContext& ctx) {
   if (tooLong) ctx.prompter.message(ctx.text("str_ExceededBar"), ctx.text("str_BarExceeded"), MessageIcon::Critical);
 }
 
-void MoveCursorUp(EditContext& ctx) {
+// Up walks toward string 0 (the highest) and the notation line up; both wrap round.
+void moveCursorVertically(EditContext& ctx, bool up) {
   RunCursorMove(ctx, [&] {
     Document& d = ctx.doc;
     const Track& tr = d.score.track(d.CursorTrack);
+    const int n = numStrings(d);
     if (ctx.NotationEntry && !tr.DrumTrack) {
-      const int n = numStrings(d);
       const int bottom = GetStringPitch(n - 1) + tr.Tuning.Offset[static_cast<size_t>(n - 1)];
-      d.CursorLine = static_cast<int16_t>(d.CursorLine < bottom + 29 ? d.CursorLine + 1 : bottom);
+      const int line = d.CursorLine;
+      d.CursorLine = static_cast<int16_t>(up ? (line < bottom + 29 ? line + 1 : bottom)
+                                             : (line > bottom ? line - 1 : bottom + 29));
       return;
     }
-    d.CursorString = static_cast<int16_t>(d.CursorString <= 0 ? numStrings(d) - 1 : d.CursorString - 1);
+    const int s = d.CursorString;
+    d.CursorString = static_cast<int16_t>(up ? (s <= 0 ? n - 1 : s - 1) : (s >= n - 1 ? 0 : s + 1));
   });
 }
 
-void MoveCursorDown(EditContext& ctx) {
-  RunCursorMove(ctx, [&] {
-    Document& d = ctx.doc;
-    const Track& tr = d.score.track(d.CursorTrack);
-    if (ctx.NotationEntry && !tr.DrumTrack) {
-      const int n = numStrings(d);
-      const int bottom = GetStringPitch(n - 1) + tr.Tuning.Offset[static_cast<size_t>(n - 1)];
-      d.CursorLine = static_cast<int16_t>(d.CursorLine > bottom ? d.CursorLine - 1 : bottom + 29);
-      return;
-    }
-    d.CursorString = static_cast<int16_t>(d.CursorString >= numStrings(d) - 1 ? 0 : d.CursorString + 1);
-  });
-}
+void MoveCursorUp(EditContext& ctx) { moveCursorVertically(ctx, true); }
+void MoveCursorDown(EditContext& ctx) { moveCursorVertically(ctx, false); }
 
 void ToggleNotationEntry(EditContext& ctx) {
   ctx.NotationEntry = !ctx.NotationEntry;

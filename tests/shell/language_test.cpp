@@ -11,16 +11,7 @@
 namespace plectaro {
 namespace {
 
-std::vector<std::string> linesOf(const std::string& text) {
-  std::vector<std::string> lines;
-  std::string line;
-  std::istringstream in(text);
-  while (std::getline(in, line)) {
-    if (!line.empty() && line.back() == '\r') line.pop_back();
-    lines.push_back(line);
-  }
-  return lines;
-}
+using testing::linesOf;
 
 std::string englishFile() { return ReadWholeFile(testing::SourceData() / "Languages" / "English.txt"); }
 

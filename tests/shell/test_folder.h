@@ -5,11 +5,25 @@
 
 #include <filesystem>
 #include <random>
+#include <sstream>
 #include <string>
+#include <vector>
 
 #include "score/file_io.h"
 
 namespace plectaro::testing {
+
+// The lines of a text, without their CR LF or LF.
+inline std::vector<std::string> linesOf(const std::string& text) {
+  std::vector<std::string> lines;
+  std::string line;
+  std::istringstream in(text);
+  while (std::getline(in, line)) {
+    if (!line.empty() && line.back() == '\r') line.pop_back();
+    lines.push_back(line);
+  }
+  return lines;
+}
 
 class TempFolder {
  public:
