@@ -31,6 +31,22 @@ const std::map<std::string_view, std::string_view>& englishMessages() {
       {"str_ConfirmationRequired", "Confirmation Required"},
       {"txt_RepeatCount", "How many times would you like the section to be repeated?"},
       {"txt_RepeatClose", "Repeat Close"},
+      {"str_barIncomplete1", "The bar holds "},
+      {"str_BarShouldBe", ", but it should hold "},
+      {"str_notesLong", " 64ths."},
+      {"str_barComplete1", "The bar is complete with "},
+      {"str_barTooLong1", "The bar is too long: it holds "},
+      {"str_BarNotNeedFix", "This bar does not need fixing."},
+      {"str_CantDeleteOnlyTrack", "The only track of a document cannot be deleted."},
+      {"str_ConfirmDeleteTrack1", "Are you sure you want to delete the track '"},
+      {"str_ConfirmDeleteTrack2", "'?"},
+      // Newer messages: the language files keep a fixed count of lines, so these have no
+      // slot there and are always shown in English.
+      {"str_FretsKeptOnRetune",
+       "Every note keeps its fret number, so the notes now sound in the new tuning."},
+      {"str_TransposeNoRoom",
+       "These notes have no place on the strings at the new pitch and were left as they were "
+       "(track, bar, beat, string: fret):"},
   };
   return m;
 }

@@ -94,18 +94,20 @@ BarCheck FixBar(Score& s, int track, int bar) {
   return c;
 }
 
+void RepairBar(Score& s, int track, int b) {
+  if (CheckBar(s, track, b) == kBarTooShort) FixBar(s, track, b);
+  if (CheckBar(s, track, b) == kBarTooLong) {
+    // Drops beats until the bar is short, even past an exact fit, then fills the gap. A bar
+    // whose single beat is too long keeps it: a bar never loses its last beat.
+    while (CheckBar(s, track, b) != kBarTooShort && s.GetLastBeat(track, b) > 0)
+      s.barMut(track, b).Beats.pop_back();
+    FixBar(s, track, b);
+  }
+}
+
 void FixAllBars(Score& s, int track) {
   const int last = s.GetLastBar(track);
-  for (int b = 0; b <= last; ++b) {
-    if (CheckBar(s, track, b) == kBarTooShort) FixBar(s, track, b);
-    if (CheckBar(s, track, b) == kBarTooLong) {
-      // Drops beats until the bar is short, even past an exact fit, then fills the gap. A bar
-      // whose single beat is too long keeps it: a bar never loses its last beat.
-      while (CheckBar(s, track, b) != kBarTooShort && s.GetLastBeat(track, b) > 0)
-        s.barMut(track, b).Beats.pop_back();
-      FixBar(s, track, b);
-    }
-  }
+  for (int b = 0; b <= last; ++b) RepairBar(s, track, b);
 }
 
 std::string Format64ths(double value) {

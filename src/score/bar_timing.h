@@ -28,6 +28,10 @@ BarCheck CheckBar(const Score& s, int track, int bar);
 // already exact or too long is left alone.
 BarCheck FixBar(Score& s, int track, int bar);
 
+// Repairs one bar the way FixAllBars repairs each: a short bar is filled; a long bar loses
+// beats from the end until it is short, then is filled.
+void RepairBar(Score& s, int track, int bar);
+
 // Repairs every bar of one track: short bars are filled; long bars lose beats from the end
 // until they are short, then are filled. Throws ScoreError (leaving a partly repaired score,
 // so callers run it under Transact) when a bar cannot be measured.
