@@ -8,39 +8,11 @@
 #include "cli.h"
 #include "editing/key_map.h"
 #include "json.h"
-#include "shell/prompter.h"
+#include "batch_prompter.h"
 
 namespace plectaro::cli {
 
 namespace {
-
-// The questions of a batch run: messages are passed on to stderr, a password comes from the
-// command line, every other question is answered no.
-class BatchPrompter : public Prompter {
- public:
-  BatchPrompter(std::ostream& err, std::string password) : err_(err), password_(std::move(password)) {}
-  void message(std::string_view text, std::string_view, MessageIcon) override {
-    err_ << "plectaro-cli type: " << text << "\n";
-    ++messages;
-  }
-  Answer yesNoCancel(std::string_view, std::string_view) override { return Answer::Cancel; }
-  bool yesNo(std::string_view, std::string_view) override { return false; }
-  std::optional<std::string> textInput(std::string_view, std::string_view, bool secret) override {
-    if (!secret || password_.empty()) return std::nullopt;
-    return password_;
-  }
-  std::optional<std::string> openFileName(std::string_view, std::string_view, std::string_view) override {
-    return std::nullopt;
-  }
-  std::optional<std::string> saveFileName(std::string_view, std::string_view, std::string_view) override {
-    return std::nullopt;
-  }
-  int messages = 0;
-
- private:
-  std::ostream& err_;
-  std::string password_;
-};
 
 int runType(Context& ctx, const Args& args) {
   const auto& pos = args.positional();
@@ -58,7 +30,7 @@ int runType(Context& ctx, const Args& args) {
   doc.CursorTrack = static_cast<int16_t>(track);
   doc.clampCursor();
 
-  BatchPrompter prompter(ctx.err, args.value("--password"));
+  BatchPrompter prompter(ctx.err, "type", args.value("--password"));
   EditContext edit(doc, prompter);
   edit.settings.PlayAsTyped = false;
   for (const KeyPress& k : keys) picDocument_KeyDown(edit, k.key, k.mods);

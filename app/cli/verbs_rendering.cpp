@@ -27,12 +27,13 @@ void ensureGuiApplication() {
   static std::unique_ptr<QGuiApplication> app = std::make_unique<QGuiApplication>(argc, argv);
 }
 
+// Tracks count from 1 on the command line, as in every verb.
 int trackOption(const Document& doc, const Args& args) {
-  const int track = args.intValue("--track", doc.CursorTrack);
-  if (track < 0 || track > doc.score.LastTrack())
-    throw InputError("there is no track " + std::to_string(track) + " (the file has tracks 0 to " +
-                     std::to_string(doc.score.LastTrack()) + ")");
-  return track;
+  const int track = args.intValue("--track", doc.CursorTrack + 1);
+  if (track < 1 || track > doc.score.LastTrack() + 1)
+    throw InputError("there is no track " + std::to_string(track) + " (the file has tracks 1 to " +
+                     std::to_string(doc.score.LastTrack() + 1) + ")");
+  return track - 1;
 }
 
 LayoutSettings settingsFrom(Document& doc, const Args& args) {
@@ -108,7 +109,7 @@ void savePage(Context&, const Document& original, const std::filesystem::path& p
     if (dpi < 10 || dpi > 1200) throw UsageError("--dpi must be between 10 and 1200");
   }
   const DrawTexts texts;
-  const std::string page = args.value("--page", "0");
+  const std::string page = args.value("--page", "1");
   try {
     if (page == "all") {
       DrawResult first = LayoutTrack(doc, track, settings, texts);
@@ -128,9 +129,11 @@ void savePage(Context&, const Document& original, const std::filesystem::path& p
       p = std::stoi(page, &used);
       if (used != page.size()) throw std::invalid_argument(page);
     } catch (const std::exception&) {
-      throw UsageError("--page takes a page number from 0 or \"all\"");
+      throw UsageError("--page takes a page number from 1 or \"all\"");
     }
-    DrawResult r = SavePageImage(doc, track, p, settings, texts, kind, dpi, path);
+    // Pages count from 1 on the command line, like tracks and bars.
+    if (p < 1) throw InputError("there is no page " + page + "; pages count from 1");
+    DrawResult r = SavePageImage(doc, track, p - 1, settings, texts, kind, dpi, path);
     if (!r.Ok) throw InputError(r.Error);
   } catch (const FileError& e) {
     throw InputError(e.what());

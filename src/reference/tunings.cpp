@@ -86,6 +86,51 @@ TuningData ReadTuningText(std::string_view text) {
   return tuning;
 }
 
+namespace {
+
+// Pitch class of a plain note name with an optional sharp or flat; -1 when it is none.
+int pitchClassOf(std::string_view name) {
+  static constexpr std::string_view kLetters = "C D EF G A B";
+  if (name.empty() || name.size() > 2) return -1;
+  const char letter = static_cast<char>(name[0] >= 'a' && name[0] <= 'z' ? name[0] - 32 : name[0]);
+  const size_t at = kLetters.find(letter);
+  if (letter == ' ' || at == std::string_view::npos) return -1;
+  int pc = static_cast<int>(at);
+  if (name.size() == 2) {
+    if (name[1] == '#') ++pc;
+    else if (name[1] == 'b') --pc;
+    else return -1;
+  }
+  return (pc + 12) % 12;
+}
+
+}  // namespace
+
+std::optional<TuningInfo> ParseTuningNames(std::string_view text) {
+  std::vector<std::string_view> names;
+  while (!(text = Trim(text)).empty()) {
+    const size_t end = std::min(text.find_first_of(" \t,"), text.size());
+    names.push_back(text.substr(0, end));
+    text.remove_prefix(std::min(end + 1, text.size()));
+  }
+  if (names.empty() || names.size() > kMaxStrings) return std::nullopt;
+  TuningInfo info;
+  info.NumStrings = static_cast<int16_t>(names.size());
+  for (size_t i = 0; i < names.size(); ++i) {
+    const int string = static_cast<int>(names.size() - i);  // the first name is the lowest string
+    const int standard = StandardPitchOfString(string);
+    int pitch = NoteNameToPitch(string, names[i]);
+    if (pitch == 0) {
+      const int pc = pitchClassOf(names[i]);
+      if (pc < 0) return std::nullopt;
+      const int up = ((pc - standard) % 12 + 12) % 12;  // 0..11 semitones above the standard
+      pitch = up <= 5 ? standard + up : standard + up - 12;
+    }
+    info.Offset[static_cast<size_t>(string - 1)] = static_cast<int16_t>(pitch - standard);
+  }
+  return info;
+}
+
 const std::vector<std::pair<std::string, TuningData>>& BuiltInTunings() {
   static const std::vector<std::pair<std::string, TuningData>> kTunings = {
       {"Standard Tuning", row(12, 12, 12, 12, 12, 12, 12)},

@@ -6,6 +6,7 @@
 #include <array>
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -45,6 +46,14 @@ std::string WriteTuningText(const TuningData& tuning);
 // Reads a tuning file's text. Numbers may carry blanks; the string count is taken through its
 // integer part. Throws TuningError for a short file or a value out of range.
 TuningData ReadTuningText(std::string_view text);
+
+// A tuning typed as note names separated by blanks, from the lowest string up, the way
+// guitarists write it ("E A D G B E", "D A D G B E"). The count of names is the string count
+// (1..7). A name may be one of the string's own 25 names ("-B" for the B an octave below
+// string 5), or a plain note with sharps or flats ("Eb", "F#"), which takes the octave nearest
+// the string's standard pitch (the lower one when both are as near). nullopt when a name is
+// not a note or the pitch is more than an octave from the string's standard one.
+std::optional<TuningInfo> ParseTuningNames(std::string_view text);
 
 // The built-in tunings in the order they are written on first run. Two names stand twice; the
 // later entry is the one the library ends with.

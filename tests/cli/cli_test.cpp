@@ -115,5 +115,55 @@ TEST_F(Cli, UsageErrors) {
   EXPECT_EQ(cli("info a.plm --bogus").code, 2);
 }
 
+TEST_F(Cli, TrackVerbsSetUpABandAndPlayIt) {
+  const auto q = [this](const char* name) { return "'" + at(name).string() + "'"; };
+  ASSERT_EQ(cli("new " + q("a.plm")).code, 0);
+  ASSERT_EQ(cli("track-add " + q("a.plm") + " " + q("b.plm") +
+                " --name Bass --strings 5 --tuning '-B -E -A -D -G' --instrument 'fingered bass'").code, 0);
+  ASSERT_EQ(cli("track-add " + q("b.plm") + " " + q("c.plm") + " --drums --name Drums").code, 0);
+  ASSERT_EQ(cli("track-set " + q("c.plm") + " " + q("d.plm") + " --track 1 --tuning 'Dropped D' --capo 2").code, 0);
+  const CliRun set = cli("track-set " + q("d.plm") + " " + q("e.plm") + " --track 2 --volume 80");
+  ASSERT_EQ(set.code, 0) << stderrText();
+  for (const char* want : {"\"openPitches\":[64,59,55,50,45,38]", "\"capo\":2",
+                           "\"name\":\"Bass\",\"drums\":false,\"instrument\":33,\"channel\":2,\"effectChannel\":3",
+                           "\"openPitches\":[55,50,45,40,35]", "\"volume\":80",
+                           "\"drums\":true,\"instrument\":0,\"channel\":9"})
+    EXPECT_NE(set.out.find(want), std::string::npos) << want << " in " << set.out;
+
+  // Each track plays on its own channel with its own program; the drums send none.
+  const CliRun trace = cli("play " + q("e.plm") + " --trace");
+  ASSERT_EQ(trace.code, 0);
+  for (const char* want : {" C0 24 0", " C1 24 0", " C2 33 0", " C3 33 0"})
+    EXPECT_NE(trace.out.find(want), std::string::npos) << want;
+  EXPECT_EQ(trace.out.find(" C9 "), std::string::npos);
+
+  // An open low string down 14 semitones has nowhere to go: listed, kept.
+  ASSERT_EQ(cli("type " + q("e.plm") + " Down Down Down Down Down 3 " + q("f.plm")).code, 0);
+  const CliRun t = cli("transpose " + q("f.plm") + " " + q("g.plm") + " --semitones -14 --tracks 1");
+  ASSERT_EQ(t.code, 0);
+  EXPECT_NE(t.out.find("\"unplaced\":[{\"track\":1,\"bar\":1,\"beat\":1,\"string\":6,\"fret\":\"3\"}]"),
+            std::string::npos) << t.out;
+
+  struct Bad {
+    std::string args;
+    int code;
+  };
+  const Bad bad[] = {
+      {"track-set " + q("e.plm") + " " + q("x.plm") + " --track 0", 1},
+      {"track-set " + q("e.plm") + " " + q("x.plm") + " --track 4", 1},
+      {"track-set " + q("e.plm") + " " + q("x.plm"), 2},
+      {"track-add " + q("e.plm") + " " + q("x.plm") + " --tuning 'No Such Tuning'", 1},
+      {"track-add " + q("e.plm") + " " + q("x.plm") + " --strings 8", 1},
+      {"track-add " + q("e.plm") + " " + q("x.plm") + " --strings 5 --tuning 'E A D G B E'", 1},
+      {"track-add " + q("e.plm") + " " + q("x.plm") + " --instrument 128", 1},
+      {"transpose " + q("e.plm") + " " + q("x.plm") + " --semitones 2 --tracks 1,9", 1},
+      {"transpose " + q("e.plm") + " " + q("x.plm") + " --semitones 2 --tracks one", 2},
+      {"transpose " + q("e.plm") + " " + q("x.plm"), 2},
+      {"layout " + q("e.plm") + " --track 0", 1},
+  };
+  for (const Bad& b : bad) EXPECT_EQ(cli(b.args).code, b.code) << b.args;
+  EXPECT_FALSE(fs::exists(at("x.plm")));
+}
+
 }  // namespace
 }  // namespace plectaro

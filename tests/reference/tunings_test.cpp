@@ -67,6 +67,33 @@ TEST(TuningText, TrackOffsetsConvertBothWays) {
   EXPECT_EQ(ToTuningInfo(t), info);
 }
 
+TEST(TuningText, TypedNamesRunFromTheLowestString) {
+  struct Case {
+    const char* text;
+    int strings;
+    std::array<int16_t, kMaxStrings> offsets;  // string 1 first
+  };
+  const Case cases[] = {
+      {"E A D G B E", 6, {0, 0, 0, 0, 0, 0, 0}},
+      {"D A D G B E", 6, {0, 0, 0, 0, 0, -2, 0}},
+      {"d,a,d,g,a,d", 6, {-2, -2, 0, 0, 0, -2, 0}},  // Open D, any case, commas
+      {"Eb Ab Db Gb Bb Eb", 6, {-1, -1, -1, -1, -1, -1, 0}},
+      {"B E A D G B E", 7, {0, 0, 0, 0, 0, 0, 0}},
+      {"-B -E -A -D -G", 5, {-9, -9, -10, -10, -10, 0, 0}},  // a five-string bass
+      {"A#", 1, {-6, 0, 0, 0, 0, 0, 0}},  // a tritone either way from E: the lower is taken
+      {"+A#", 1, {6, 0, 0, 0, 0, 0, 0}},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.text);
+    const auto info = ParseTuningNames(c.text);
+    ASSERT_TRUE(info.has_value());
+    EXPECT_EQ(info->NumStrings, c.strings);
+    EXPECT_EQ(info->Offset, c.offsets);
+  }
+  for (const char* bad : {"", "E A D G B E A D", "H A D G B E", "E A D G B E#x", "+E+"})
+    EXPECT_FALSE(ParseTuningNames(bad).has_value()) << bad;
+}
+
 TEST_F(TuningLibraryTest, FirstRunWritesTheBuiltInTuningsOnce) {
   TuningLibrary lib(root_);
   ASSERT_TRUE(lib.createAll());
