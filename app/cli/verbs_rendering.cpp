@@ -1,4 +1,5 @@
-// Page layout and page pictures: the `layout` verb, and PNG/BMP/SVG savers for `convert`.
+// Page layout and page pictures: the `layout` verb, and PNG/BMP/SVG savers for `convert`
+// (tracks and pages from 1).
 #include <QGuiApplication>
 
 #include <cstdlib>
@@ -10,15 +11,15 @@
 #include "json.h"
 #include "rendering/draw_document.h"
 #include "rendering/page_layout.h"
+#include "rendering/qt/page_export.h"
 #include "rendering/qt/qt_surface.h"
+#include "verbs_rendering.h"
 #include "score/file_io.h"
 
 namespace plectaro::cli {
 
-namespace {
-
 // Fonts and pictures need a QGuiApplication; the CLI runs without a display.
-void ensureGuiApplication() {
+void EnsureGuiApplication() {
   if (QGuiApplication::instance()) return;
   if (!std::getenv("QT_QPA_PLATFORM")) setenv("QT_QPA_PLATFORM", "offscreen", 1);
   static int argc = 1;
@@ -28,15 +29,24 @@ void ensureGuiApplication() {
 }
 
 // Tracks count from 1 on the command line, as in every verb.
-int trackOption(const Document& doc, const Args& args) {
+int PageTrackOption(const Document& doc, const Args& args) {
+  const int tracks = doc.score.LastTrack() + 1;
   const int track = args.intValue("--track", doc.CursorTrack + 1);
-  if (track < 1 || track > doc.score.LastTrack() + 1)
-    throw InputError("there is no track " + std::to_string(track) + " (the file has tracks 1 to " +
-                     std::to_string(doc.score.LastTrack() + 1) + ")");
+  if (track < 1 || track > tracks)
+    throw InputError("--track " + std::to_string(track) + ": the song has tracks 1 to " + std::to_string(tracks));
   return track - 1;
 }
 
-LayoutSettings settingsFrom(Document& doc, const Args& args) {
+namespace {
+
+// OUT.png with page p (0-based) as OUT-1.png, OUT-2.png...
+std::filesystem::path numberedPath(const std::filesystem::path& path, int page) {
+  return (path.parent_path() / path.stem()).string() + "-" + std::to_string(page + 1) + path.extension().string();
+}
+
+}  // namespace
+
+LayoutSettings PageSettingsFrom(Document& doc, const Args& args) {
   LayoutSettings s;
   if (args.has("--paper") || args.has("--landscape")) {
     s.PaperSizeIndex = static_cast<int16_t>(args.intValue("--paper", 0));
@@ -53,11 +63,13 @@ LayoutSettings settingsFrom(Document& doc, const Args& args) {
   return s;
 }
 
+namespace {
+
 int runLayout(Context& ctx, const Args& args) {
   args.expectPositional(1, 1);
   Document doc = LoadDocument(ctx, args.at(0));
-  const LayoutSettings settings = settingsFrom(doc, args);
-  const int track = trackOption(doc, args);
+  const LayoutSettings settings = PageSettingsFrom(doc, args);
+  const int track = PageTrackOption(doc, args);
   const DrawTexts texts;
   DrawResult r = LayoutTrack(doc, track, settings, texts);
   if (!r.Ok) throw InputError(r.Error);
@@ -99,10 +111,10 @@ int runLayout(Context& ctx, const Args& args) {
 
 void savePage(Context&, const Document& original, const std::filesystem::path& path, const Args& args,
               PageImageKind kind) {
-  ensureGuiApplication();
+  EnsureGuiApplication();
   Document doc = original;  // the layout is written into the copy; the Score is shared
-  const LayoutSettings settings = settingsFrom(doc, args);
-  const int track = trackOption(doc, args);
+  const LayoutSettings settings = PageSettingsFrom(doc, args);
+  const int track = PageTrackOption(doc, args);
   double dpi = 96.1644;
   if (args.has("--dpi")) {
     dpi = args.intValue("--dpi", 96);
@@ -112,15 +124,16 @@ void savePage(Context&, const Document& original, const std::filesystem::path& p
   const std::string page = args.value("--page", "1");
   try {
     if (page == "all") {
-      DrawResult first = LayoutTrack(doc, track, settings, texts);
-      if (!first.Ok) throw InputError(first.Error);
-      const std::string stem = (path.parent_path() / path.stem()).string();
-      const std::string ext = path.extension().string();
-      for (int p = 0; p <= first.LastPage; ++p) {
-        const std::filesystem::path out = stem + "-" + std::to_string(p + 1) + ext;
-        DrawResult r = SavePageImage(doc, track, p, settings, texts, kind, dpi, out);
-        if (!r.Ok) throw InputError(r.Error);
+      if (kind == PageImageKind::Svg) {
+        DrawResult first = LayoutTrack(doc, track, settings, texts);
+        if (!first.Ok) throw InputError(first.Error);
+        for (int p = 0; p <= first.LastPage; ++p) {
+          DrawResult r = SavePageImage(doc, track, p, settings, texts, kind, dpi, numberedPath(path, p));
+          if (!r.Ok) throw InputError(r.Error);
+        }
+        return;
       }
+      SavePageImages(doc, track, {}, settings, texts, kind, dpi, [&](int p) { return numberedPath(path, p); });
       return;
     }
     int p = 0;
@@ -133,8 +146,12 @@ void savePage(Context&, const Document& original, const std::filesystem::path& p
     }
     // Pages count from 1 on the command line, like tracks and bars.
     if (p < 1) throw InputError("there is no page " + page + "; pages count from 1");
-    DrawResult r = SavePageImage(doc, track, p - 1, settings, texts, kind, dpi, path);
-    if (!r.Ok) throw InputError(r.Error);
+    if (kind == PageImageKind::Svg) {
+      DrawResult r = SavePageImage(doc, track, p - 1, settings, texts, kind, dpi, path);
+      if (!r.Ok) throw InputError(r.Error);
+      return;
+    }
+    SavePageImages(doc, track, {p - 1}, settings, texts, kind, dpi, [&](int) { return path; });
   } catch (const FileError& e) {
     throw InputError(e.what());
   }

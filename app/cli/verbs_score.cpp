@@ -170,7 +170,12 @@ int runCheck(Context& ctx, const Args& args) {
 const Registrar verbNew(Verb{"new", "new OUT.plm", {}, {}, runNew});
 const Registrar verbInfo(Verb{"info", "info FILE [--json]", {}, {"--json"}, runInfo});
 const Registrar verbDump(Verb{"dump", "dump FILE.plm", {}, {}, runDump});
-const Registrar verbConvert(Verb{"convert", "convert IN OUT", {"--track", "--page", "--dpi"}, {}, runConvert});
+const Registrar verbConvert(Verb{"convert",
+                                  "convert IN OUT [--track N | --all-tracks] [--page P|all] [--dpi D] [--paper I] [--landscape] [--text] "
+                                  "[--from B] [--to B] [--rate R] [--channels 1|2] [--bits 8|16] [--count-in] [--metronome]",
+                                  {"--track", "--page", "--dpi", "--paper", "--from", "--to", "--rate", "--channels", "--bits"},
+                                  {"--all-tracks", "--landscape", "--text", "--count-in", "--metronome"},
+                                  runConvert});
 const Registrar verbCheck(Verb{"check", "check FILE [--fix OUT.plm]", {"--fix"}, {}, runCheck});
 
 }  // namespace

@@ -14,15 +14,21 @@ namespace plectaro {
 
 namespace {
 
-// Runs the scheduler on the clock until it stops by itself.
-void runToEnd(Scheduler& scheduler, VirtualClock& clock) {
+// Runs the scheduler on the clock until it stops by itself, or until `keepGoing` says no
+// (false comes back then).
+bool runToEnd(Scheduler& scheduler, VirtualClock& clock, const std::function<bool(double)>& keepGoing = {}) {
   while (scheduler.playing()) {
     if (!clock.fireNext(kOfflineLimitMs)) break;
+    if (keepGoing && !keepGoing(clock.nowMs())) {
+      scheduler.StopTab();
+      return false;
+    }
   }
   if (scheduler.playing()) {
     scheduler.StopTab();
     throw ScoreError("the song does not end within three hours of playing; is a repeat endless?");
   }
+  return true;
 }
 
 // The synthesizer catches up with the clock before each message, so every message sounds at
@@ -106,8 +112,16 @@ std::vector<MidiMessage> TraceSong(const Score& score, int startBar, int endBar,
 
 RenderedSong RenderSong(const Score& score, int startBar, int endBar, const PlaybackOptions& options,
                         const std::string& soundFont, double tailMs) {
+  RenderOptions render;
+  render.TailMs = tailMs;
+  return RenderSong(score, startBar, endBar, options, soundFont, render);
+}
+
+RenderedSong RenderSong(const Score& score, int startBar, int endBar, const PlaybackOptions& options,
+                        const std::string& soundFont, const RenderOptions& render) {
   RenderedSong song;
-  FluidSynthOut synth({soundFont, false});
+  const double tailMs = render.TailMs;
+  FluidSynthOut synth({soundFont, false, render.SampleRate});
   VirtualClock clock;
   RenderingOut out(synth, clock, song.Samples);
   if (!MIDIOpen(out, 0)) throw ScoreError(synth.errorText(kMidiOpenFailed));
@@ -116,7 +130,7 @@ RenderedSong RenderSong(const Score& score, int startBar, int endBar, const Play
     Scheduler scheduler(out, clock);
     scheduler.options = options;
     scheduler.PlayTab(score, startBar, endBar);
-    runToEnd(scheduler, clock);
+    song.Cancelled = !runToEnd(scheduler, clock, render.Progress);
   }
   song.SongMs = out.lastMs;
   song.Messages = out.messages;
@@ -124,22 +138,32 @@ RenderedSong RenderSong(const Score& score, int startBar, int endBar, const Play
   return song;
 }
 
-void WriteWav16(const std::filesystem::path& path, const RenderedSong& song) {
+std::string EncodeWav(const std::vector<float>& samples, int rate, int channels, int bits) {
   MemoryFile file;
   SF_VIRTUAL_IO io{vLength, vSeek, vRead, vWrite, vTell};
   SF_INFO info{};
-  info.samplerate = static_cast<int>(song.SampleRate);
-  info.channels = 2;
-  info.format = SF_FORMAT_WAV | SF_FORMAT_PCM_16;
+  info.samplerate = rate;
+  info.channels = channels;
+  info.format = SF_FORMAT_WAV | (bits == 8 ? SF_FORMAT_PCM_U8 : SF_FORMAT_PCM_16);
   SNDFILE* sf = sf_open_virtual(&io, SFM_WRITE, &info, &file);
-  if (!sf) throw FileError("cannot write \"" + path.string() + "\": " + sf_strerror(nullptr));
+  if (!sf) throw FileError(std::string("the wave format is not possible: ") + sf_strerror(nullptr));
   // Clip rather than wrap: a too-loud mix must not turn into crackle.
   sf_command(sf, SFC_SET_CLIPPING, nullptr, SF_TRUE);
-  const sf_count_t frames = static_cast<sf_count_t>(song.Samples.size() / 2);
-  const sf_count_t written = sf_writef_float(sf, song.Samples.data(), frames);
+  const sf_count_t frames = static_cast<sf_count_t>(samples.size() / static_cast<size_t>(channels));
+  const sf_count_t written = sf_writef_float(sf, samples.data(), frames);
   sf_close(sf);
-  if (written != frames) throw FileError("cannot write \"" + path.string() + "\": the sound could not be encoded");
-  WriteFileAtomically(path, file.bytes);
+  if (written != frames) throw FileError("the sound could not be encoded");
+  return std::move(file.bytes);
+}
+
+void WriteWav16(const std::filesystem::path& path, const RenderedSong& song) {
+  std::string bytes;
+  try {
+    bytes = EncodeWav(song.Samples, static_cast<int>(song.SampleRate), 2, 16);
+  } catch (const FileError& e) {
+    throw FileError("cannot write \"" + path.string() + "\": " + e.what());
+  }
+  WriteFileAtomically(path, bytes);
 }
 
 }  // namespace plectaro

@@ -28,6 +28,7 @@ struct RenderedSong {
   double SampleRate = 44100;
   double SongMs = 0;           // when the last message went out
   size_t Messages = 0;
+  bool Cancelled = false;
 };
 
 // Plays the song into the built-in synthesizer and returns its sound, with `tailMs` after the
@@ -35,6 +36,22 @@ struct RenderedSong {
 // be loaded or the song does not end.
 RenderedSong RenderSong(const Score& score, int startBar, int endBar, const PlaybackOptions& options,
                         const std::string& soundFont, double tailMs = 2000);
+
+struct RenderOptions {
+  double SampleRate = 44100;  // what the synthesizer takes: 8000 to 96000
+  double TailMs = 2000;
+  // Called as the song goes on with the playing time reached; false cancels the render,
+  // which then returns what it has with Cancelled set.
+  std::function<bool(double songMs)> Progress;
+};
+
+// RenderSong with a rate of its own and a way to watch and cancel it.
+RenderedSong RenderSong(const Score& score, int startBar, int endBar, const PlaybackOptions& options,
+                        const std::string& soundFont, const RenderOptions& render);
+
+// A PCM wave file in memory: interleaved samples of `channels` channels, clipped to -1..1,
+// as 8-bit (unsigned) or 16-bit samples. Throws FileError when libsndfile refuses the format.
+std::string EncodeWav(const std::vector<float>& samples, int rate, int channels, int bits);
 
 // 16-bit PCM wave file; samples are clipped to -1..1. The old file stays whole on failure
 // (FileError).

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <optional>
 
 #include "rendering/bar_drawing.h"
 #include "score/bar_timing.h"
@@ -20,11 +21,32 @@ struct Placement {
   bool full = true;         // lay out from bar 0
   bool sheets = true;       // draw the grey picture, page sheets and shadows
   int onlyPage = -1;        // draw this page only (exports); -1 all visible pages
+  // Paper output: every page is drawn with its top at 0 on the surface this gives for it
+  // (nullptr: the page is walked for its bars but not drawn).
+  const PageSurfaceFn* perPage = nullptr;
 };
 
 // The high limit of a full relayout: every row gets its position, seen or not, while the
 // 32-bit row position stays far from overflow.
 constexpr long long kFullLayoutLimit = 400000000;
+
+// Layout walks that draw nothing still go through a surface.
+struct NullSurface : Surface {
+  void drawLine(Point, Point, Color, double) override {}
+  void drawRect(Rect, Color, double) override {}
+  void fillRect(Rect, Color) override {}
+  void drawEllipse(Rect, Color, double) override {}
+  void fillEllipse(Rect, Color) override {}
+  void drawPolyline(std::span<const Point>, Color, double) override {}
+  void fillPolygon(std::span<const Point>, Color) override {}
+  void strokePath(const Path&, Color, double) override {}
+  void fillPath(const Path&, Color) override {}
+  void drawText(Point, std::string_view, const Font&, Color) override {}
+  TextMetrics measureText(std::string_view, const Font&) override { return {}; }
+  void drawImage(Rect, const Image&) override {}
+  void setClip(Rect) override {}
+  void clearClip() override {}
+};
 
 std::string pageFooter(const DrawTexts& texts, int page, int lastPage) {
   return texts.Page + " " + std::to_string(page + 1) + " " + texts.Of + " " + std::to_string(lastPage + 1);
@@ -44,11 +66,12 @@ void runPages(Document& doc, int track, const LayoutSettings& st, const DrawText
               const Placement& pl, RowLayout& rows, int lastPage, Surface& surface, bool cursor,
               std::vector<RowChoice>& rowsOut) {
   std::vector<BarLayout>& lay = rows.bars();
-  DrawContext ctx{doc.score, track, st, lay, surface};
+  std::optional<DrawContext> pageCtx;
+  pageCtx.emplace(doc.score, track, st, lay, surface);
   if (cursor && doc.CursorTrack == track) {
-    ctx.cursorBar = doc.CursorBar;
-    ctx.cursorBeat = doc.CursorBeat;
-    ctx.cursorString = doc.CursorString;
+    pageCtx->cursorBar = doc.CursorBar;
+    pageCtx->cursorBeat = doc.CursorBeat;
+    pageCtx->cursorString = doc.CursorString;
   }
   const int16_t perPage = rows.RowsPerPage();
   const long long rowStep = static_cast<long long>(rows.rowHeight()) + rows.rowSpacing();
@@ -57,9 +80,19 @@ void runPages(Document& doc, int track, const LayoutSettings& st, const DrawText
   int bar = 0;
   int ordinal = 0;
   for (int page = 0; bar <= rows.lastBar(); ++page) {
-    const long long pageTop = pl.firstTop + static_cast<long long>(page) * (st.PageHeight + 35);
+    long long pageTop = pl.firstTop + static_cast<long long>(page) * (st.PageHeight + 35);
+    bool drawThisPage = pl.onlyPage < 0 || pl.onlyPage == page;
+    if (pl.perPage) {
+      pageTop = 0;
+      Surface* target = (*pl.perPage)(page, lastPage);
+      drawThisPage = target != nullptr;
+      if (target) {
+        pageCtx.emplace(doc.score, track, st, lay, *target);
+        target->fillRect({0, 0, static_cast<double>(st.PageWidth), static_cast<double>(st.PageHeight)}, kWhite);
+      }
+    }
     if (pageTop > limit) break;
-    const bool drawThisPage = pl.onlyPage < 0 || pl.onlyPage == page;
+    DrawContext& ctx = *pageCtx;
     if (drawThisPage && pageTop < bottom && pageTop > -(st.PageHeight + 20.0)) {
       Rect sheet{pl.offsetX, static_cast<double>(pageTop), static_cast<double>(st.PageWidth),
                  static_cast<double>(st.PageHeight)};
@@ -191,22 +224,7 @@ DrawResult runPass(Document& doc, int track, const LayoutSettings& settingsIn, c
     if (stored && surface) {
       redrawStored(doc, track, st, texts, pl, rows, result.LastPage, *surface, cursor);
     } else {
-      struct NullSurface : Surface {
-        void drawLine(Point, Point, Color, double) override {}
-        void drawRect(Rect, Color, double) override {}
-        void fillRect(Rect, Color) override {}
-        void drawEllipse(Rect, Color, double) override {}
-        void fillEllipse(Rect, Color) override {}
-        void drawPolyline(std::span<const Point>, Color, double) override {}
-        void fillPolygon(std::span<const Point>, Color) override {}
-        void strokePath(const Path&, Color, double) override {}
-        void fillPath(const Path&, Color) override {}
-        void drawText(Point, std::string_view, const Font&, Color) override {}
-        TextMetrics measureText(std::string_view, const Font&) override { return {}; }
-        void drawImage(Rect, const Image&) override {}
-        void setClip(Rect) override {}
-        void clearClip() override {}
-      } none;
+      NullSurface none;
       Placement layoutOnly = pl;
       if (!surface) layoutOnly.pictureHeight = -1e9;  // nothing is in sight
       runPages(doc, track, st, texts, layoutOnly, rows, result.LastPage, surface ? *surface : none, cursor,
@@ -283,6 +301,19 @@ DrawResult RenderPage(Document& doc, int track, int page, const LayoutSettings& 
   DrawResult first = LayoutTrack(doc, track, settings, texts);
   if (!first.Ok) return first;
   return runPass(doc, track, settings, texts, pl, &surface, false, nullptr);
+}
+
+DrawResult RenderPages(Document& doc, int track, const LayoutSettings& settings, const DrawTexts& texts,
+                       const PageSurfaceFn& pageSurface) {
+  DrawResult first = LayoutTrack(doc, track, settings, texts);
+  if (!first.Ok) return first;
+  NullSurface blank;
+  Placement pl;
+  pl.pictureWidth = settings.PageWidth;
+  pl.pictureHeight = settings.PageHeight;
+  pl.sheets = false;
+  pl.perPage = &pageSurface;
+  return runPass(doc, track, settings, texts, pl, &blank, false, nullptr);
 }
 
 DrawResult LayoutTrack(Document& doc, int track, const LayoutSettings& settings, const DrawTexts& texts) {

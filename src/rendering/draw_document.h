@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -72,6 +73,17 @@ DrawResult DrawDocument(Document& doc, const LayoutSettings& settings, const Vie
 // Returns the same result record; Ok is false (and nothing is drawn) for a page beyond the last.
 DrawResult RenderPage(Document& doc, int track, int page, const LayoutSettings& settings,
                       const DrawTexts& texts, Surface& surface);
+
+// Paper output (printing, PDF, page pictures): the surface page `page` (0-based) is drawn
+// on, with the page's top-left corner at (0, 0); nullptr to skip the page. `lastPage` is the
+// index of the last page, known before the first page is asked for.
+using PageSurfaceFn = std::function<Surface*(int page, int lastPage)>;
+
+// Draws many pages of a Track in one layout walk (every page is walked, since its bars follow
+// from those before it, but only the pages given a surface are drawn). The page is cleared
+// to white first: paper output is always black on white.
+DrawResult RenderPages(Document& doc, int track, const LayoutSettings& settings, const DrawTexts& texts,
+                       const PageSurfaceFn& pageSurface);
 
 // Lays out the whole Track without drawing (what hit-testing and the CLI's layout verb need),
 // with page 0 at the surface origin as in RenderPage; later pages follow PageHeight + 35 apart.

@@ -8,8 +8,11 @@
 #include <array>
 #include <cstdio>
 #include <filesystem>
+#include <regex>
 
+#include "rendering/qt/page_export.h"
 #include "rendering/qt/qt_surface.h"
+#include "rendering/recording_surface.h"
 #include "score/file_io.h"
 #include "score/music_file.h"
 #include "test_scores.h"
@@ -123,8 +126,58 @@ TEST_F(Export, CliLayoutJsonAndEveryPage) {
   for (int p = 1; p <= 7; ++p) EXPECT_TRUE(fs::exists(at("out-" + std::to_string(p) + ".png"))) << p;
   EXPECT_FALSE(fs::exists(at("out-8.png")));
   ASSERT_EQ(cli("convert '" + at("long.plm").string() + "' '" + at("one.svg").string() + "' --page 2"), 0);
+  EXPECT_EQ(cli("convert '" + at("long.plm").string() + "' '" + at("no.png").string() + "' --page 0"), 1);
   EXPECT_EQ(cli("convert '" + at("long.plm").string() + "' '" + at("no.bmp").string() + "' --page 9"), 1);
   EXPECT_FALSE(fs::exists(at("no.bmp")));
+}
+
+int pdfPages(const std::string& pdf) {
+  const std::regex page("/Type\\s*/Page[^s]");
+  return static_cast<int>(std::distance(std::sregex_iterator(pdf.begin(), pdf.end(), page), std::sregex_iterator()));
+}
+
+TEST_F(Export, EngravedPdfHasOnePagePerLayoutPage) {
+  Document doc = test::MakeDoc(40, 16, true);
+  doc.score.Title = "Both Tracks";
+  doc.score.Tracks.push_back(doc.score.Tracks[0]);
+  doc.score.Tracks[1].TrebleStaff = false;  // lower rows: fewer pages
+  const LayoutSettings settings;
+  int expected = 0;
+  for (int t : {0, 1}) expected += LayoutTrack(doc, t, settings, DrawTexts{}).LastPage + 1;
+  ASSERT_GT(expected, 4);
+  EXPECT_EQ(ExportPagesPDF(doc, {0, 1}, settings, DrawTexts{}, at("both.pdf")), expected);
+  const std::string pdf = ReadWholeFile(at("both.pdf"));
+  EXPECT_EQ(pdfPages(pdf), expected);
+  EXPECT_NE(pdf.find("FontFile2"), std::string::npos);  // fonts embedded
+
+  SaveMusicFile(doc.score, at("two.plm"));
+  ASSERT_EQ(cli("convert '" + at("two.plm").string() + "' '" + at("cli.pdf").string() + "' --all-tracks"), 0);
+  EXPECT_EQ(pdfPages(ReadWholeFile(at("cli.pdf"))), expected);
+  ASSERT_EQ(cli("convert '" + at("two.plm").string() + "' '" + at("t2.pdf").string() + "' --track 2"), 0);
+  EXPECT_EQ(pdfPages(ReadWholeFile(at("t2.pdf"))), LayoutTrack(doc, 1, settings, DrawTexts{}).LastPage + 1);
+  EXPECT_EQ(cli("convert '" + at("two.plm").string() + "' '" + at("no.pdf").string() + "' --track 3"), 1);
+  EXPECT_EQ(cli("convert '" + at("two.plm").string() + "' '" + at("no.pdf").string() + "' --track 1 --all-tracks"), 2);
+  EXPECT_FALSE(fs::exists(at("no.pdf")));
+}
+
+// Drawing many pages in one walk must give each page exactly what drawing it alone gives.
+TEST_F(Export, PagesOfOneWalkMatchSinglePages) {
+  Document doc = test::MakeDoc(40, 16, true);
+  const LayoutSettings settings;
+  std::vector<RecordingSurface> walked(8);
+  std::vector<int> drawn;
+  DrawResult r = RenderPages(doc, 0, settings, DrawTexts{}, [&](int page, int) -> Surface* {
+    if (page != 1 && page != 3) return nullptr;
+    drawn.push_back(page);
+    return &walked[static_cast<size_t>(page)];
+  });
+  ASSERT_TRUE(r.Ok) << r.Error;
+  EXPECT_EQ(drawn, (std::vector<int>{1, 3}));
+  for (int page : {1, 3}) {
+    RecordingSurface alone;
+    ASSERT_TRUE(RenderPage(doc, 0, page, settings, DrawTexts{}, alone).Ok);
+    EXPECT_EQ(walked[static_cast<size_t>(page)].calls(), alone.calls()) << page;
+  }
 }
 
 }  // namespace

@@ -11,6 +11,7 @@
 #include <memory>
 
 #include "rendering/draw_document.h"
+#include "rendering/qt/page_export.h"
 #include "score/file_io.h"
 
 namespace plectaro {
@@ -171,27 +172,16 @@ DrawResult SavePageImage(Document& doc, int track, int page, const LayoutSetting
     }
     painter.end();
   } else {
-    if (!(dpi >= 10 && dpi <= 1200)) throw FileError("The resolution must be between 10 and 1200 dpi");
-    const double scale = dpi / 96.1644;
-    const int w = static_cast<int>(std::ceil(settings.PageWidth * scale));
-    const int h = static_cast<int>(std::ceil(settings.PageHeight * scale));
-    if (w <= 0 || h <= 0 || static_cast<long long>(w) * h > 200'000'000LL)
-      throw FileError("The page is too large to export as a picture at this resolution");
-    QImage image(w, h, QImage::Format_RGB32);
-    image.setDotsPerMeterX(static_cast<int>(std::lround(dpi / 0.0254)));
-    image.setDotsPerMeterY(static_cast<int>(std::lround(dpi / 0.0254)));
-    image.fill(Qt::white);
-    {
-      QPainter painter(&image);
-      QtSurface surface(painter, scale);
-      result = RenderPage(doc, track, page, settings, texts, surface);
+    result = LayoutTrack(doc, track, settings, texts);
+    if (!result.Ok) return result;
+    if (page < 0 || page > result.LastPage) {
+      result.Ok = false;
+      result.Error = "Page " + std::to_string(page + 1) + " does not exist: the track has " +
+                     std::to_string(result.LastPage + 1) + " page(s)";
+      return result;
     }
-    if (result.Ok) {
-      QBuffer buffer(&bytes);
-      buffer.open(QIODevice::WriteOnly);
-      if (!image.save(&buffer, kind == PageImageKind::Png ? "PNG" : "BMP"))
-        throw FileError("Cannot encode the page picture for " + path.string());
-    }
+    SavePageImages(doc, track, {page}, settings, texts, kind, dpi, [&](int) { return path; });
+    return result;
   }
   if (result.Ok) WriteFileAtomically(path, std::string(bytes.constData(), static_cast<size_t>(bytes.size())));
   return result;
