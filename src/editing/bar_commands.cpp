@@ -177,7 +177,7 @@ void mnuBarClear_Click(EditContext& ctx) {
   RunCommand(ctx, [&] {
     ClearBar(ctx.doc.score, ctx.doc.CursorTrack, ctx.doc.CursorBar);
     ctx.doc.CursorBeat = 0;
-  });
+  }, "Clear Bar");
 }
 
 void mnuBarFirst_Click(EditContext& ctx) { moveToBar(ctx, 0, true); }
@@ -200,7 +200,7 @@ bool InsertBar(EditContext& ctx, const std::vector<int>& tracks) {
   return RunCommand(ctx, [&] {
     InsertBarAt(ctx.doc.score, ctx.doc.CursorBar, tracks);
     ctx.doc.CursorBeat = 0;
-  });
+  }, "Insert Bar");
 }
 
 bool RemoveBar(EditContext& ctx, const std::vector<int>& tracks) {
@@ -211,7 +211,7 @@ bool RemoveBar(EditContext& ctx, const std::vector<int>& tracks) {
   return RunCommand(ctx, [&] {
     RemoveBarAt(ctx.doc.score, ctx.doc.CursorBar, tracks);
     ctx.doc.CursorBeat = 0;
-  });
+  }, "Remove Bar");
 }
 
 bool CopyBars(EditContext& ctx, const std::vector<int>& bars) {
@@ -247,7 +247,7 @@ bool CutBars(EditContext& ctx, const std::vector<int>& tracks, const std::vector
     for (int t : tracks)
       for (int b : bars) ClearBar(s, t, b);
     ctx.clipboard = std::move(clip);
-  });
+  }, "Cut");
 }
 
 bool PasteBars(EditContext& ctx, const std::vector<int>& tracks, int pastings, bool after) {
@@ -301,7 +301,7 @@ bool PasteBars(EditContext& ctx, const std::vector<int>& tracks, int pastings, b
     s.BarInfos.insert(s.BarInfos.begin() + at, infos.begin(), infos.end());
     ctx.doc.CursorBar = static_cast<int16_t>(at);
     ctx.doc.CursorBeat = 0;
-  });
+  }, "Paste");
 }
 
 bool ApplyTimeSignature(EditContext& ctx, int numerator, int denominator, ApplyRange range) {
@@ -314,7 +314,7 @@ bool ApplyTimeSignature(EditContext& ctx, int numerator, int denominator, ApplyR
   return RunCommand(ctx, [&] {
     auto [first, last] = rangeOf(ctx.doc, range);
     for (int b = first; b <= last; ++b) ctx.doc.score.SetTimeSignature(b, numerator, denominator);
-  });
+  }, "Time Signature");
 }
 
 bool ApplyKeySignature(EditContext& ctx, int32_t key, bool minor, ApplyRange range) {
@@ -332,14 +332,14 @@ bool ApplyKeySignature(EditContext& ctx, int32_t key, bool minor, ApplyRange ran
       w.KeySignature = key;
       w.KeyMinor = minor;
     }
-  });
+  }, "Key Signature");
 }
 
 void mnuBarRepeatOpen_Click(EditContext& ctx) {
   RunCommand(ctx, [&] {
     BarInfo& bi = ctx.doc.score.barInfoMut(ctx.doc.CursorBar);
     bi.RepeatOpen = !bi.RepeatOpen;
-  });
+  }, "Repeat Open");
 }
 
 void mnuBarRepeatClose_Click(EditContext& ctx) {
@@ -372,7 +372,7 @@ bool SetRepeatClose(EditContext& ctx, int count) {
   return RunCommand(ctx, [&] {
     if (count < 0 || count > kMaxIndex) throw ScoreError("a repeat count must be 0 to 32767");
     ctx.doc.score.barInfoMut(ctx.doc.CursorBar).RepeatClose = static_cast<int16_t>(count);
-  });
+  }, "Repeat Close");
 }
 
 bool SetCoda(EditContext& ctx, int signBar, int dsAlCodaBar, int toCodaBar, int codaBar) {
@@ -385,7 +385,7 @@ bool SetCoda(EditContext& ctx, int signBar, int dsAlCodaBar, int toCodaBar, int 
     if (dsAlCodaBar != -1) s.barInfoMut(dsAlCodaBar).DSAlCoda = true;
     if (toCodaBar != -1) s.barInfoMut(toCodaBar).ToCoda = true;
     if (codaBar != -1) s.barInfoMut(codaBar).Coda = true;
-  });
+  }, "Coda");
 }
 
 }  // namespace plectaro

@@ -102,27 +102,72 @@ bool LayoutAffected(const Score& a, const Score& b) {
   return false;
 }
 
-bool RunCommand(EditContext& ctx, const std::function<void()>& change) {
+UndoStep::UndoStep(EditContext& ctx, std::string_view name) : ctx_(ctx) {
+  if (ctx.stepDepth_++ == 0) {
+    ctx.stepBefore_ = ctx.doc.score;  // shares every bar: one pointer per bar
+    ctx.stepCursor_ = CursorOf(ctx.doc);
+    ctx.stepName_.assign(name);
+  } else if (ctx.stepName_.empty()) {
+    ctx.stepName_.assign(name);
+  }
+}
+
+UndoStep::~UndoStep() {
+  EditContext& ctx = ctx_;
+  if (--ctx.stepDepth_ > 0) return;
+  Score before = std::move(ctx.stepBefore_);
+  ctx.stepBefore_ = Score{};
+  if (ctx.doc.score == before) return;
+  // A command that forgot its name still undoes; the menu then just says "Undo Edit".
+  ctx.undo.push(std::move(before), ctx.stepCursor_, ctx.stepName_.empty() ? "Edit" : ctx.stepName_);
+  ctx.notifyUndo();
+}
+
+namespace {
+
+// Undo and redo differ only in the direction they walk.
+void stepThrough(EditContext& ctx, bool (UndoRing::*walk)(Document&)) {
+  if (!PasswordCorrect(ctx)) return;
+  const int16_t track = ctx.doc.CursorTrack;
+  if ((ctx.undo.*walk)(ctx.doc)) {
+    if (ctx.doc.CursorTrack != track && ctx.hooks.trackChanged) ctx.hooks.trackChanged();
+    if (ctx.hooks.gotoPointsChanged) ctx.hooks.gotoPointsChanged();
+    ctx.redraw();
+  }
+  ctx.notifyUndo();
+}
+
+}  // namespace
+
+void mnuEditUndo_Click(EditContext& ctx) { stepThrough(ctx, &UndoRing::undo); }
+void mnuEditRedo_Click(EditContext& ctx) { stepThrough(ctx, &UndoRing::redo); }
+
+bool RunCommand(EditContext& ctx, const std::function<void()>& change, std::string_view stepName) {
   if (!PasswordCorrect(ctx)) return false;
   Document& doc = ctx.doc;
-  const Score before = doc.score;
-  try {
-    Transact(doc, [&] {
-      change();
-      doc.clampCursor();
-    });
-  } catch (const ScoreError& e) {
-    ctx.prompter.message(e.what(), ctx.text("str_Error"), MessageIcon::Critical);
-    ctx.redraw();
-    return false;
-  }
-  if (!(doc.score == before)) {
-    ctx.KeyChanged = true;
-    doc.ScoreChanged = true;
-    if (LayoutAffected(before, doc.score)) {
-      doc.FullRelayout = true;
-      // Beats and bars came or went, and go-to points with them: the menu is filled again.
-      if (ctx.hooks.gotoPointsChanged) ctx.hooks.gotoPointsChanged();
+  {
+    // The step closes before the draw, so the Edit menu already names it when the window
+    // updates its items after drawing.
+    UndoStep step(ctx, stepName);
+    const Score before = doc.score;
+    try {
+      Transact(doc, [&] {
+        change();
+        doc.clampCursor();
+      });
+    } catch (const ScoreError& e) {
+      ctx.prompter.message(e.what(), ctx.text("str_Error"), MessageIcon::Critical);
+      ctx.redraw();
+      return false;
+    }
+    if (!(doc.score == before)) {
+      ctx.KeyChanged = true;
+      doc.ScoreChanged = true;
+      if (LayoutAffected(before, doc.score)) {
+        doc.FullRelayout = true;
+        // Beats and bars came or went, and go-to points with them: the menu is filled again.
+        if (ctx.hooks.gotoPointsChanged) ctx.hooks.gotoPointsChanged();
+      }
     }
   }
   ctx.redraw();

@@ -6,6 +6,7 @@
 // the toolbar button all call the same function, so they always do the same thing.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -20,7 +21,7 @@
 namespace plectaro {
 
 struct EditSettings {
-  int16_t UndoLevels = 1;   // the options dialog's undo levels; apply with EditContext::setUndoLevels
+  int16_t UndoLevels = 100;  // the options dialog's undo levels; apply with EditContext::setUndoLevels
   bool PlayAsTyped = true;  // sound a beat as a note is typed into it
 };
 
@@ -45,6 +46,8 @@ struct EditHooks {
   std::function<void()> gotoPointsChanged;
   // The undo menu item must be enabled or disabled.
   std::function<void(bool enabled)> undoEnabled;
+  // The undo or redo lists changed: the Edit menu renames and enables its two items.
+  std::function<void()> undoChanged;
   // Opens a dialog of the effect editors or the chord manager on the cursor's beat.
   std::function<void(EditDialog)> openDialog;
   // ntne_frmEndRepeat: how many times the section is to be repeated; nullopt when cancelled.
@@ -100,6 +103,7 @@ class EditContext {
   void redraw();
   void notifyUndo() {
     if (hooks.undoEnabled) hooks.undoEnabled(undo.canUndo());
+    if (hooks.undoChanged) hooks.undoChanged();
   }
   void playBeat() {
     if (hooks.playChord) hooks.playChord(doc.CursorTrack, doc.CursorBar, doc.CursorBeat);
@@ -108,6 +112,29 @@ class EditContext {
   // Set while a key is being handled: commands called from the key leave the drawing to the
   // end of the key.
   int depth = 0;
+
+ private:
+  friend class UndoStep;
+  // The undo step being gathered: nesting depth, the document before it, its name.
+  int stepDepth_ = 0;
+  Score stepBefore_;
+  std::array<int16_t, 5> stepCursor_{};
+  std::string stepName_;
+};
+
+// Everything that changes the Score while one of these lives becomes a single undo step: a key
+// that runs several commands, a dialog that applies its answers in parts, a tool that writes a
+// whole passage. Steps nest; only the outermost one files the snapshot, and only when the
+// Score really changed. Without a name it takes the name of the first named command inside.
+class UndoStep {
+ public:
+  explicit UndoStep(EditContext& ctx, std::string_view name = {});
+  ~UndoStep();
+  UndoStep(const UndoStep&) = delete;
+  UndoStep& operator=(const UndoStep&) = delete;
+
+ private:
+  EditContext& ctx_;
 };
 
 // The guard every command that alters the document passes first.
@@ -115,9 +142,14 @@ bool PasswordCorrect(EditContext& ctx);
 
 // Runs one editing command: the password guard, then `change` under Transact. When the
 // change throws ScoreError the document is put back exactly as it was and the reason is shown.
-// When the Score changed: ScoreChanged, KeyChanged, FullRelayout if the layout is touched. Then
-// the cursor is clamped and the document drawn. Returns false when refused or failed.
-bool RunCommand(EditContext& ctx, const std::function<void()>& change);
+// When the Score changed: ScoreChanged, KeyChanged, FullRelayout if the layout is touched, and
+// one undo step named `step` ("Time Signature"; the Edit menu shows "Undo Time Signature").
+// Then the cursor is clamped and the document drawn. Returns false when refused or failed.
+bool RunCommand(EditContext& ctx, const std::function<void()>& change, std::string_view step = {});
+
+// The Edit menu's Undo and Redo (also the z key, Ctrl+Z, Ctrl+Y and Ctrl+Shift+Z).
+void mnuEditUndo_Click(EditContext& ctx);
+void mnuEditRedo_Click(EditContext& ctx);
 
 // A command that only moves the cursor: no password, no change flags; clamps and draws.
 void RunCursorMove(EditContext& ctx, const std::function<void()>& move);

@@ -148,7 +148,7 @@ bool navigationKey(EditContext& ctx, Key key, Modifiers mods) {
 void writeDrumSymbol(EditContext& ctx, char symbol) {
   RunCommand(ctx, [&] {
     CursorSlotMut(ctx.doc).Fret = std::string(1, symbol);
-  });
+  }, "Typing");
 }
 
 }  // namespace
@@ -261,7 +261,7 @@ void MoveCursorRight(EditContext& ctx) {
       grown.GotoName = first.GotoName;
       first = std::move(grown);
     }
-  });
+  }, "Add Beat");
   if (tooLong) ctx.prompter.message(ctx.text("str_ExceededBar"), ctx.text("str_BarExceeded"), MessageIcon::Critical);
 }
 
@@ -298,17 +298,6 @@ void SetCursorTrack(EditContext& ctx, int track) {
   });
 }
 
-void mnuEditUndo_Click(EditContext& ctx) {
-  if (!PasswordCorrect(ctx)) return;
-  const int16_t track = ctx.doc.CursorTrack;
-  if (ctx.undo.undo(ctx.doc)) {
-    if (ctx.doc.CursorTrack != track && ctx.hooks.trackChanged) ctx.hooks.trackChanged();
-    if (ctx.hooks.gotoPointsChanged) ctx.hooks.gotoPointsChanged();
-    ctx.redraw();
-  }
-  ctx.notifyUndo();
-}
-
 bool picDocument_KeyDown(EditContext& ctx, Key key, Modifiers mods) {
   if (ctx.hooks.isPlaying && ctx.hooks.isPlaying()) {
     if (ctx.hooks.stopPlayback) ctx.hooks.stopPlayback();
@@ -328,15 +317,14 @@ bool picDocument_KeyDown(EditContext& ctx, Key key, Modifiers mods) {
   const bool shift = (mods & kShift) != 0;
 
   Document& d = ctx.doc;
-  const bool keepUndo = ctx.undo.levels() >= 1;
-  Score before;
-  if (keepUndo) before = d.score;  // shares every bar: costs one pointer per bar
-  const auto cursorBefore = CursorOf(d);
   ctx.KeyChanged = false;
 
   bool handled = false;
   const bool drum = d.score.track(d.CursorTrack).DrumTrack;
   {
+    // Whatever the key runs is one step of undo, named after the first command it ran; it
+    // closes before the draw so that the Edit menu names it at once.
+    UndoStep step(ctx);
     KeyScope scope(ctx);
     handled = cursorKey(ctx, key, shift, drum) || rhythmKey(ctx, key, shift);
     if (!handled && drum) {
@@ -360,10 +348,6 @@ bool picDocument_KeyDown(EditContext& ctx, Key key, Modifiers mods) {
   if (handled && ctx.settings.PlayAsTyped && !shift) {
     const bool plays = drum ? DrumSymbolOfKey(key) != 0 : playsOnTab(key);
     if (plays && !CursorBeat(d).isRest()) ctx.playBeat();
-  }
-  if (ctx.KeyChanged && keepUndo) {
-    ctx.undo.push(std::move(before), cursorBefore);
-    ctx.notifyUndo();
   }
   if (handled) ctx.redraw();
   return handled;

@@ -16,9 +16,6 @@ namespace plectaro {
 // Returns true when the key meant something to the editor (so the window need not pass it on).
 bool picDocument_KeyDown(EditContext& ctx, Key key, Modifiers mods);
 
-// Undo: steps back through the ring and redraws; enables or disables the menu item.
-void mnuEditUndo_Click(EditContext& ctx);
-
 // The cursor moves of the arrow keys, also the "Move left a chord" / "Move right a chord" /
 // "Move up a string" / "Move down a string" entries.
 void MoveCursorLeft(EditContext& ctx);

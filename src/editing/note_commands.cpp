@@ -12,12 +12,12 @@ namespace {
 
 // Toggles a field of the cursor's slot when it holds a note.
 template <class Field>
-void toggleSlot(EditContext& ctx, Field field, bool sounds) {
+void toggleSlot(EditContext& ctx, Field field, bool sounds, std::string_view step) {
   const bool ran = RunCommand(ctx, [&] {
     if (!CursorSlot(ctx.doc).hasNote()) return;
     NoteSlot& n = CursorSlotMut(ctx.doc);
     n.*field = !(n.*field);
-  });
+  }, step);
   if (ran && sounds) ctx.playBeat();
 }
 
@@ -51,7 +51,7 @@ void shiftString(EditContext& ctx, int direction) {
     b.Notes[static_cast<size_t>(from)] = NoteSlot{};
     b.Notes[static_cast<size_t>(to)] = std::move(moved);
     d.CursorString = static_cast<int16_t>(to);  // the cursor follows the note
-  });
+  }, direction < 0 ? "Shift Note Up" : "Shift Note Down");
 }
 
 void setFinger(EditContext& ctx, int index, int32_t NoteSlot::*field) {
@@ -59,11 +59,11 @@ void setFinger(EditContext& ctx, int index, int32_t NoteSlot::*field) {
     checkMenuIndex(index, 5);
     if (!CursorSlot(ctx.doc).hasNote()) return;
     setCode(CursorSlotMut(ctx.doc).*field, index + 1);
-  });
+  }, "Fingering");
 }
 
 // Swaps beat k with beat k + 1 of the cursor's bar; `whole` moves lengths too.
-void swapWithNext(EditContext& ctx, int k, bool whole, bool follow) {
+void swapWithNext(EditContext& ctx, int k, bool whole, bool follow, std::string_view step) {
   RunCommand(ctx, [&] {
     Document& d = ctx.doc;
     const int last = d.score.GetLastBeat(d.CursorTrack, d.CursorBar);
@@ -84,7 +84,7 @@ void swapWithNext(EditContext& ctx, int k, bool whole, bool follow) {
       d.score.ClearBeat(d.CursorTrack, d.CursorBar, k);
     }
     if (follow) d.CursorBeat = static_cast<int16_t>(d.CursorBeat == k ? k + 1 : k);
-  });
+  }, step);
 }
 
 }  // namespace
@@ -95,20 +95,20 @@ void TypeFretDigit(EditContext& ctx, int digit) {
     NoteSlot& n = CursorSlotMut(ctx.doc);
     const std::string d(1, static_cast<char>('0' + digit));
     n.Fret = (n.Fret == "1" || n.Fret == "2") ? n.Fret + d : d;
-  });
+  }, "Typing");
 }
 
 void ClearNoteValue(EditContext& ctx) {
   RunCommand(ctx, [&] {
     if (CursorSlot(ctx.doc).hasNote()) CursorSlotMut(ctx.doc).Fret.clear();
-  });
+  }, "Clear Note Value");
 }
 
 void ToggleDeadNote(EditContext& ctx) {
   RunCommand(ctx, [&] {
     NoteSlot& n = CursorSlotMut(ctx.doc);
     n.Fret = n.Fret == "x" ? "" : "x";
-  });
+  }, "Dead Note");
 }
 
 void mnuNoteUp_Click(EditContext& ctx) {
@@ -116,7 +116,7 @@ void mnuNoteUp_Click(EditContext& ctx) {
     int fret = 0;
     if (!FretNumber(CursorSlot(ctx.doc).Fret, fret) || fret >= 99) return;
     CursorSlotMut(ctx.doc).Fret = std::to_string(fret + 1);
-  });
+  }, "Add 1 to Note");
 }
 
 void mnuNoteDown_Click(EditContext& ctx) {
@@ -124,7 +124,7 @@ void mnuNoteDown_Click(EditContext& ctx) {
     int fret = 0;
     if (!FretNumber(CursorSlot(ctx.doc).Fret, fret) || fret <= 0) return;
     CursorSlotMut(ctx.doc).Fret = std::to_string(fret - 1);
-  });
+  }, "Subtract 1 from Note");
 }
 
 void mnuNoteShiftUp_Click(EditContext& ctx) { shiftString(ctx, -1); }
@@ -141,7 +141,7 @@ void mnuNoteInsertBeat_Click(EditContext& ctx) {
     fresh.GotoName.clear();
     tb.Beats.insert(at, std::move(fresh));
     d.score.ClearBeat(d.CursorTrack, d.CursorBar, d.CursorBeat);
-  });
+  }, "Insert Beat");
 }
 
 void mnuNoteDeleteBeat_Click(EditContext& ctx) {
@@ -160,7 +160,7 @@ void mnuNoteDeleteBeat_Click(EditContext& ctx) {
     TrackBar& tb = d.score.barMut(d.CursorTrack, d.CursorBar);
     tb.Beats.erase(tb.Beats.begin() + d.CursorBeat);
     if (d.CursorBeat > last - 1) d.CursorBeat = static_cast<int16_t>(last - 1);
-  });
+  }, "Delete Beat");
 }
 
 void mnuNoteVolumes_Click(EditContext& ctx, int index) {
@@ -176,7 +176,7 @@ void mnuNoteVolumes_Click(EditContext& ctx, int index) {
     } else if (CursorSlot(d).hasNote()) {
       CursorSlotMut(d).Volume = v;
     }
-  });
+  }, "Volume");
   if (ran) ctx.playBeat();
 }
 
@@ -184,19 +184,19 @@ void mnuNoteVolumesWholeChord_Click(EditContext& ctx) {
   ctx.VolumesWholeChord = !ctx.VolumesWholeChord;
 }
 
-void mnuNoteLinkNote_Click(EditContext& ctx) { toggleSlot(ctx, &NoteSlot::Tied, false); }
+void mnuNoteLinkNote_Click(EditContext& ctx) { toggleSlot(ctx, &NoteSlot::Tied, false, "Tie Note"); }
 void mnuNoteLHFS_Click(EditContext& ctx, int index) { setFinger(ctx, index, &NoteSlot::LeftFinger); }
 void mnuNoteRHFS_Click(EditContext& ctx, int index) { setFinger(ctx, index, &NoteSlot::RightFinger); }
 
-void mnuNoteEffectsGhostNote_Click(EditContext& ctx) { toggleSlot(ctx, &NoteSlot::GhostNote, true); }
-void mnuNoteEffectsLetRing_Click(EditContext& ctx) { toggleSlot(ctx, &NoteSlot::LetRing, true); }
-void mnuNoteEffectsAccentuate_Click(EditContext& ctx) { toggleSlot(ctx, &NoteSlot::Accentuate, true); }
+void mnuNoteEffectsGhostNote_Click(EditContext& ctx) { toggleSlot(ctx, &NoteSlot::GhostNote, true, "Ghost Note"); }
+void mnuNoteEffectsLetRing_Click(EditContext& ctx) { toggleSlot(ctx, &NoteSlot::LetRing, true, "Let Ring"); }
+void mnuNoteEffectsAccentuate_Click(EditContext& ctx) { toggleSlot(ctx, &NoteSlot::Accentuate, true, "Accentuate"); }
 
 void mnuNoteEffectsHarmonics_Click(EditContext& ctx, int index) {
   if (RunCommand(ctx, [&] {
         checkMenuIndex(index, 7);
         if (CursorSlot(ctx.doc).hasNote()) setCode(CursorSlotMut(ctx.doc).Harmonic, index + 1);
-      }))
+      }, "Harmonic"))
     ctx.playBeat();
 }
 
@@ -205,7 +205,7 @@ void mnuNoteEffectsTechniques_Click(EditContext& ctx, int index) {
         checkMenuIndex(index, 10);
         if (CursorSlot(ctx.doc).hasNote())
           setCode(CursorSlotMut(ctx.doc).Technique, kTechniqueMenuCodes[index]);
-      }))
+      }, "Technique"))
     ctx.playBeat();
 }
 
@@ -213,15 +213,15 @@ void mnuChordTechniques_Click(EditContext& ctx, int index) {
   if (RunCommand(ctx, [&] {
         checkMenuIndex(index, 7);
         setCode(CursorBeatMut(ctx.doc).ChordTechnique, index + 1);
-      }))
+      }, "Technique"))
     ctx.playBeat();
 }
 
 void mnuChordUpStroke_Click(EditContext& ctx) {
-  RunCommand(ctx, [&] { setCode(CursorBeatMut(ctx.doc).Stroke, kUpStroke); });
+  RunCommand(ctx, [&] { setCode(CursorBeatMut(ctx.doc).Stroke, kUpStroke); }, "Upstroke");
 }
 void mnuChordDownStroke_Click(EditContext& ctx) {
-  RunCommand(ctx, [&] { setCode(CursorBeatMut(ctx.doc).Stroke, kDownStroke); });
+  RunCommand(ctx, [&] { setCode(CursorBeatMut(ctx.doc).Stroke, kDownStroke); }, "Downstroke");
 }
 
 void RepeatPreviousChord(EditContext& ctx) {
@@ -236,11 +236,11 @@ void RepeatPreviousChord(EditContext& ctx) {
     }
     Beat copy = d.score.beat(d.CursorTrack, bar, beat);
     CursorBeatMut(d) = std::move(copy);
-  });
+  }, "Repeat Previous Chord");
 }
 
-void MoveChordRight(EditContext& ctx) { swapWithNext(ctx, ctx.doc.CursorBeat, true, true); }
-void MoveChordLeft(EditContext& ctx) { swapWithNext(ctx, ctx.doc.CursorBeat - 1, true, true); }
-void ShiftChordRight(EditContext& ctx) { swapWithNext(ctx, ctx.doc.CursorBeat, false, true); }
+void MoveChordRight(EditContext& ctx) { swapWithNext(ctx, ctx.doc.CursorBeat, true, true, "Move Chord Right"); }
+void MoveChordLeft(EditContext& ctx) { swapWithNext(ctx, ctx.doc.CursorBeat - 1, true, true, "Move Chord Left"); }
+void ShiftChordRight(EditContext& ctx) { swapWithNext(ctx, ctx.doc.CursorBeat, false, true, "Shift Chord Right"); }
 
 }  // namespace plectaro

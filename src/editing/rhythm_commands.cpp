@@ -13,7 +13,7 @@ void stepCursorBeat(EditContext& ctx, int (*step)(int)) {
     const int now = CursorBeat(ctx.doc).Length;
     const int next = step(now);
     if (next != now) CursorBeatMut(ctx.doc).Length = next;
-  });
+  }, "Beat Length");
 }
 
 void stepTrack(EditContext& ctx, int (*step)(int), const char* confirmKey, const char* titleKey) {
@@ -29,7 +29,7 @@ void stepTrack(EditContext& ctx, int (*step)(int), const char* confirmKey, const
       if (!any) continue;
       for (Beat& beat : s.barMut(t, b).Beats) beat.Length = step(beat.Length);
     }
-  });
+  }, ctx.text(titleKey));
 }
 
 }  // namespace
@@ -45,7 +45,7 @@ void mnuChordDotted_Click(EditContext& ctx) {
   RunCommand(ctx, [&] {
     Beat& b = CursorBeatMut(ctx.doc);
     b.Dotted = !b.Dotted;
-  });
+  }, "Dotted Note");
 }
 
 void mnuChordXTuplets_Click(EditContext& ctx, int index) {
@@ -59,7 +59,7 @@ void mnuChordXTuplets_Click(EditContext& ctx, int index) {
       b.Tuplet = index;
       b.IsTuplet = true;
     }
-  });
+  }, "Tuplet");
 }
 
 void mnuIncreaseLengths_Click(EditContext& ctx) {

@@ -17,37 +17,51 @@ void SetCursor(Document& doc, const std::array<int16_t, 5>& c) {
 }
 
 void UndoRing::setLevels(int16_t levels) {
-  UndoLevels = levels < 0 ? int16_t{0} : levels;
-  UndoPosition = 0;
-  ring_.assign(static_cast<size_t>(UndoLevels) + 1, UndoEntry{});
+  levels_ = levels < 0 ? int16_t{0} : levels;
+  clear();
 }
 
-void UndoRing::clear() { setLevels(UndoLevels); }
-
-void UndoRing::push(Score before, const std::array<int16_t, 5>& cursor) {
-  if (UndoLevels < 1) return;
-  UndoEntry& e = ring_[static_cast<size_t>(UndoPosition)];
-  e.score = std::move(before);
-  e.cursor = cursor;
-  e.Filled = true;
-  UndoPosition = UndoPosition == 0 ? UndoLevels : static_cast<int16_t>(UndoPosition - 1);
+void UndoRing::clear() {
+  undo_.clear();
+  redo_.clear();
 }
 
-bool UndoRing::canUndo() const {
-  return UndoLevels != 0 && ring_[static_cast<size_t>(next(UndoPosition))].Filled;
+void UndoRing::push(Score before, const std::array<int16_t, 5>& cursor, std::string name) {
+  redo_.clear();
+  if (levels_ < 1) return;
+  undo_.push_back(UndoEntry{std::move(before), cursor, std::move(name)});
+  while (undo_.size() > static_cast<size_t>(levels_)) undo_.pop_front();
 }
 
-bool UndoRing::undo(Document& doc) {
-  UndoPosition = next(UndoPosition);
-  UndoEntry& e = ring_[static_cast<size_t>(UndoPosition)];
-  if (!e.Filled || UndoLevels == 0) return false;
-  e.Filled = false;
+const std::string& UndoRing::undoName() const {
+  static const std::string none;
+  return undo_.empty() ? none : undo_.back().name;
+}
+
+const std::string& UndoRing::redoName() const {
+  static const std::string none;
+  return redo_.empty() ? none : redo_.back().name;
+}
+
+namespace {
+
+// Moves the last entry of `from` over the document and files the document's present state,
+// under the same name, at the end of `to`.
+bool swapIn(std::deque<UndoEntry>& from, std::deque<UndoEntry>& to, Document& doc) {
+  if (from.empty()) return false;
+  UndoEntry e = std::move(from.back());
+  from.pop_back();
+  to.push_back(UndoEntry{std::move(doc.score), CursorOf(doc), e.name});
   doc.score = std::move(e.score);
-  e.score = Score{};
   SetCursor(doc, e.cursor);
   doc.clampCursor();
   doc.touched();
   return true;
 }
+
+}  // namespace
+
+bool UndoRing::undo(Document& doc) { return swapIn(undo_, redo_, doc); }
+bool UndoRing::redo(Document& doc) { return swapIn(redo_, undo_, doc); }
 
 }  // namespace plectaro

@@ -49,7 +49,7 @@ struct IniSettings {
   bool AlwaysShowPercussionAssistant = true;
   int OutputDeviceID = 0;
   int OutputProgramID = 0;
-  int UndoLevels = 1;
+  int UndoLevels = 100;  // every command is undoable, so a working session needs room
   bool HideChordManager = false;
   bool CopyrightWarning = true;
   bool PlayNotesAsTyped = true;

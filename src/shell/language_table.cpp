@@ -514,6 +514,7 @@ sbTiming=Bar timing
 sbFill=Bar fill
 sbPages=Pages
 sbTime=Cursor position
+mnuEditRedo=&Redo
 @frmMetronome
 Caption=Metronome
 @frmMusicPaper

@@ -71,7 +71,18 @@ TEST(GuiRiff, TypedNotesSurviveSaveAndOpen) {
   dotted->trigger();
   EXPECT_TRUE(session.doc().score.beat(0, 1, 2).Dotted);
   dotted->trigger();
-  EXPECT_TRUE(w.window.action("mnuEditUndo")->isEnabled());
+  // The Edit menu names the step it would take back, and what was taken back can be redone.
+  QAction* undo = w.window.action("mnuEditUndo");
+  QAction* redo = w.window.action("mnuEditRedo");
+  EXPECT_TRUE(undo->isEnabled());
+  EXPECT_EQ(undo->text(), "&Undo Dotted Note");
+  EXPECT_FALSE(redo->isEnabled());
+  undo->trigger();
+  EXPECT_TRUE(session.doc().score.beat(0, 1, 2).Dotted);
+  EXPECT_EQ(redo->text(), "&Redo Dotted Note");
+  redo->trigger();
+  EXPECT_FALSE(session.doc().score.beat(0, 1, 2).Dotted);
+  EXPECT_EQ(redo->shortcuts().size(), 2);
 
   const std::string path = home.filePath("riff.plm").toStdString();
   ASSERT_TRUE(session.files().ForceSaveFile(path));

@@ -31,6 +31,7 @@ std::vector<MenuCommand> EditingMenuCommands(QWidget* parent, EditContext& ctx) 
   EditContext* c = &ctx;
   std::vector<MenuCommand> m = {
       {"mnuEditUndo", [c] { mnuEditUndo_Click(*c); }},
+      {"mnuEditRedo", [c] { mnuEditRedo_Click(*c); }},
       {"mnuEditCut", [parent, c] { mnuBarCut_Click(parent, *c); }},
       {"mnuEditCopy", [parent, c] { mnuBarCopy_Click(parent, *c); }},
       {"mnuEditPaste", [parent, c] { mnuBarPaste_Click(parent, *c); }},
@@ -92,6 +93,15 @@ std::vector<MenuCommand> EditingMenuCommands(QWidget* parent, EditContext& ctx) 
 void ConnectEditingMenus(const std::function<QAction*(const QString& name)>& find, QWidget* parent,
                          EditContext& ctx) {
   if (!ctx.hooks.askRepeatCount) ctx.hooks.askRepeatCount = [parent] { return AskRepeatCount(parent); };
+  // The Edit menu follows every step at once, not only at the next paint.
+  if (!ctx.hooks.undoChanged) {
+    const EditContext* c = &ctx;
+    ctx.hooks.undoChanged = [find, c] { UpdateUndoMenus(find, *c); };
+  }
+  // Undo and Redo name their step after the caption of the language file; remember that
+  // caption each time the texts were (re)loaded.
+  for (const char* n : {"mnuEditUndo", "mnuEditRedo"})
+    if (QAction* a = find(QString::fromLatin1(n))) a->setProperty("plectaroCaption", a->text());
   for (MenuCommand& cmd : EditingMenuCommands(parent, ctx)) {
     QAction* a = find(QString::fromLatin1(cmd.name));
     if (!a) continue;
@@ -120,7 +130,21 @@ void UpdateEditingMenus(const std::function<QAction*(const QString& name)>& find
   if (QAction* a = find("mnuBarRepeatOpen")) a->setChecked(bi.RepeatOpen);
   if (QAction* a = find("mnuBarRepeatClose")) a->setChecked(bi.RepeatClose > 0);
   if (QAction* a = find("mnuNoteVolumesWholeChord")) a->setChecked(ctx.VolumesWholeChord);
-  if (QAction* a = find("mnuEditUndo")) a->setEnabled(ctx.undo.canUndo());
+  UpdateUndoMenus(find, ctx);
+}
+
+void UpdateUndoMenus(const std::function<QAction*(const QString& name)>& find, const EditContext& ctx) {
+  auto name = [&](const char* item, bool enabled, const std::string& step) {
+    QAction* a = find(QString::fromLatin1(item));
+    if (!a) return;
+    a->setEnabled(enabled);
+    QString caption = a->property("plectaroCaption").toString();
+    if (caption.isEmpty()) return;
+    if (enabled && !step.empty()) caption += ' ' + QString::fromStdString(step);
+    a->setText(caption);
+  };
+  name("mnuEditUndo", ctx.undo.canUndo(), ctx.undo.undoName());
+  name("mnuEditRedo", ctx.undo.canRedo(), ctx.undo.redoName());
 }
 
 }  // namespace plectaro

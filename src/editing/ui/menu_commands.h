@@ -25,7 +25,8 @@ struct MenuCommand {
 std::vector<MenuCommand> EditingMenuCommands(QWidget* parent, EditContext& ctx);
 
 // Connects and enables each item that `find` returns (null for items the window lacks) and
-// adds its key to the caption; gives the editor the repeat count dialog. Items the window has enabled with a command of its own are left
+// adds its key to the caption; gives the editor the repeat count dialog and keeps Undo and Redo
+// named after their steps. Items the window has enabled with a command of its own are left
 // to it. Call again after the captions were set from a language file: connections are made
 // once per item only.
 void ConnectEditingMenus(const std::function<QAction*(const QString& name)>& find, QWidget* parent,
@@ -34,5 +35,7 @@ void ConnectEditingMenus(const std::function<QAction*(const QString& name)>& fin
 // The check marks and the enabled state that follow the cursor and the undo ring: Repeat
 // Open / Repeat Close of the cursor's bar, Apply to the Whole Chord, Undo. Call after a draw.
 void UpdateEditingMenus(const std::function<QAction*(const QString& name)>& find, const EditContext& ctx);
+// Undo and Redo alone: enabled when there is a step, captioned with its name ("Undo Paste").
+void UpdateUndoMenus(const std::function<QAction*(const QString& name)>& find, const EditContext& ctx);
 
 }  // namespace plectaro

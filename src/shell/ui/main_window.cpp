@@ -187,6 +187,8 @@ void MainWindow::buildMenus() {
 
   QMenu* edit = menu(nullptr, "mnuEdit");
   item(edit, "mnuEditUndo", nullptr, QKeySequence(Qt::CTRL | Qt::Key_Z));
+  item(edit, "mnuEditRedo")->setShortcuts({QKeySequence(Qt::CTRL | Qt::Key_Y),
+                                            QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z)});
   edit->addSeparator();
   item(edit, "mnuEditCut", nullptr, QKeySequence(Qt::CTRL | Qt::Key_X));
   item(edit, "mnuEditCopy", nullptr, QKeySequence(Qt::CTRL | Qt::Key_C));
