@@ -102,7 +102,7 @@ std::string ExtensionOf(const std::filesystem::path& path) {
 }
 
 Document LoadDocument(Context& ctx, const std::filesystem::path& path) {
-  auto it = loaders().find(ExtensionOf(path));
+  auto it = loaders().find(path == "-" ? std::string("-") : ExtensionOf(path));
   if (it == loaders().end())
     throw InputError("cannot read \"" + path.string() + "\": not a kind of file this program reads (" +
                      knownKinds(loaders()) + ")");

@@ -30,11 +30,15 @@ struct InputError : std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+class Args;
+
 struct Context {
   AppFolder app;
   SettingsStore& settings;
   std::ostream& out;
   std::ostream& err;
+  // The options of the running verb, for loaders that take some (how to read text tab).
+  const Args* args = nullptr;
 };
 
 // Arguments after the verb: positionals and --options, the latter with or without a value.
@@ -77,6 +81,7 @@ const std::vector<Verb>& Verbs();
 // Lower-case extension with its dot: ".plm".
 std::string ExtensionOf(const std::filesystem::path& path);
 // Loads any known kind into a fresh document; InputError for an unknown kind or a bad file.
+// The path "-" is standard input, read by the loader registered for "-".
 Document LoadDocument(Context& ctx, const std::filesystem::path& path);
 // Saves through the saver of the path's extension; InputError for an unknown kind.
 void SaveDocument(Context& ctx, const Document& doc, const std::filesystem::path& path, const Args& args);

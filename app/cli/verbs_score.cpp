@@ -132,6 +132,7 @@ int runDump(Context& ctx, const Args& args) {
 
 int runConvert(Context& ctx, const Args& args) {
   args.expectPositional(2, 2);
+  ctx.args = &args;
   Document doc = LoadDocument(ctx, args.at(0));
   SaveDocument(ctx, doc, args.at(1), args);
   return 0;
@@ -172,9 +173,13 @@ const Registrar verbInfo(Verb{"info", "info FILE [--json]", {}, {"--json"}, runI
 const Registrar verbDump(Verb{"dump", "dump FILE.plm", {}, {}, runDump});
 const Registrar verbConvert(Verb{"convert",
                                   "convert IN OUT [--track N | --all-tracks] [--page P|all] [--dpi D] [--paper I] [--landscape] [--text] "
-                                  "[--from B] [--to B] [--rate R] [--channels 1|2] [--bits 8|16] [--count-in] [--metronome]",
-                                  {"--track", "--page", "--dpi", "--paper", "--from", "--to", "--rate", "--channels", "--bits"},
-                                  {"--all-tracks", "--landscape", "--text", "--count-in", "--metronome"},
+                                  "[--from B] [--to B] [--rate R] [--channels 1|2] [--bits 8|16] [--count-in] [--metronome] "
+                                  "[--max-line L] [--warning|--no-warning] [--enforce-length L] [--timing N:D] [--details] "
+                                  "(IN - reads text tab from standard input)",
+                                  {"--track", "--page", "--dpi", "--paper", "--from", "--to", "--rate", "--channels", "--bits",
+                                   "--max-line", "--enforce-length", "--timing"},
+                                  {"--all-tracks", "--landscape", "--text", "--count-in", "--metronome", "--details",
+                                   "--warning", "--no-warning"},
                                   runConvert});
 const Registrar verbCheck(Verb{"check", "check FILE [--fix OUT.plm]", {"--fix"}, {}, runCheck});
 
