@@ -25,6 +25,9 @@
 #include "editing/ui/editor_input.h"
 #include "editing/ui/menu_commands.h"
 #endif
+#ifdef PLECTARO_HAVE_EXCHANGE
+#include "exchange/ui/text_tab_menus.h"
+#endif
 
 namespace {
 
@@ -98,6 +101,11 @@ int main(int argc, char** argv) {
   auto* input = new plectaro::EditorInput(window.view(), edit);
   auto find = [&window](const QString& name) { return window.action(name); };
   plectaro::ConnectEditingMenus(find, &window, edit);
+#ifdef PLECTARO_HAVE_EXCHANGE
+  plectaro::ConnectTextTabMenus(find, &window, edit, [&session] {
+    return plectaro::TextExportOptions{session.ini().CopyrightWarning, session.ini().MaxLineLength};
+  });
+#endif
   QObject::connect(window.view(), &plectaro::DocumentView::drawn, input, [input, find, &edit] {
     input->afterDraw();
     plectaro::UpdateEditingMenus(find, edit);
@@ -125,5 +133,11 @@ int main(int argc, char** argv) {
   }
   window.show();
   window.DrawDocument();
+#ifdef PLECTARO_HAVE_EXCHANGE
+  // A web address on the command line starts the import of tab from that page.
+  if (editor && !session.StartAddress().empty())
+    plectaro::ShowTabImport(&window, *editor, plectaro::TabSource::Web,
+                            QString::fromStdString(session.StartAddress()));
+#endif
   return app.exec();
 }
