@@ -14,6 +14,7 @@
 
 #include "exchange/qt/web_fetch.h"
 #include "exchange/ui/ascii_import_dialog.h"
+#include "shell/language.h"
 
 namespace plectaro {
 namespace {
@@ -125,6 +126,8 @@ TEST_F(TextTabUi, FailedImportsLeaveTheDocument) {
   const Score before = doc.score;
   ScriptedPrompter prompter;
   EditContext edit(doc, prompter);
+  const Messages english;
+  edit.hooks.text = [&](std::string_view key) { return english.str(key); };
 
   QApplication::clipboard()->setText("no tab here, just words\n");
   AsciiImportDialog clip(nullptr, edit, TabSource::Clipboard);
