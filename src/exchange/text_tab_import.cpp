@@ -398,6 +398,21 @@ AsciiImportResult ASCIIToPLM(Score& s, int track, std::string_view input, const 
     current.clear();
   }
   if (!current.empty()) staves.push_back(std::move(current));
+  // The string lines of a staff are as wide as each other. A dashed line on the edge of a
+  // staff that is much shorter or longer ("PM-----|" above it, a hyphenated lyric below) is
+  // not a string, and would push every string down by one if it were kept.
+  for (auto& st : staves) {
+    std::vector<size_t> widths;
+    for (const Line* l : st) widths.push_back(l->chars.size());
+    std::nth_element(widths.begin(), widths.begin() + static_cast<long>(widths.size() / 2), widths.end());
+    const size_t median = widths[widths.size() / 2];
+    auto odd = [median](const Line* l) {
+      const size_t w = l->chars.size();
+      return (w > median ? w - median : median - w) * 5 > median;
+    };
+    while (st.size() > 1 && odd(st.front())) st.erase(st.begin());
+    while (st.size() > 1 && odd(st.back())) st.pop_back();
+  }
   // One or two dashed lines are an underline or a rule, not a staff.
   std::erase_if(staves, [](const auto& st) { return st.size() < 3; });
   if (staves.empty()) throw ScoreError("the text holds no tab staff");

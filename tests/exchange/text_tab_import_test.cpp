@@ -10,6 +10,7 @@
 #include "exchange/text_tab_import.h"
 #include "score/bar_timing.h"
 #include "score/document.h"
+#include "score/file_io.h"
 #include "score/music_file.h"
 #include "score/settings_store.h"
 
@@ -249,6 +250,53 @@ TEST(TextImport, DecodesBytes) {
   EXPECT_EQ(DecodeTabText("\xEF\xBB\xBFTitle"), "Title");
   EXPECT_EQ(DecodeTabText("Caf\xC3\xA9"), "Caf\xC3\xA9");
   EXPECT_EQ(DecodeTabText("Caf\xE9"), "Caf\xC3\xA9");
+}
+
+// Tabs written the way people post them: string names, bar lines, chord names and lyrics,
+// effect letters, several staves, Windows line ends, a bass and a seven-string.
+TEST(TextImport, TabsAsPeoplePostThem) {
+  struct Case {
+    const char* file;
+    const char* title;
+    const char* artist;
+    int strings;
+    Words firstBeats;
+    size_t beats;
+  };
+  const Case cases[] = {
+      {"01_basic_riff.txt", "Gravel Lane", "The Hollow Pines", 6,
+       {"5:0", "3:2 4:2 5:0", "3:2 4:2 5:0", "4:5 5:3"}, 8},
+      {"02_chords_and_lyrics.txt", "Harbour Lights", "Saltwater Choir", 6,
+       {"0:3 1:0 2:0 3:0 4:2 5:3", "0:3 1:0 2:0 3:0 4:2 5:3", "0:2 1:3 2:2 3:0"}, 8},
+      {"03_legato_letters.txt", "Quicksilver", "Vela Run", 6,
+       {"3:7", "3:9", "2:4", "2:6", "1:5", "1:8", "0:5", "0:7 3:7", "0:5 3:5"}, 9},
+      {"04_two_digit_frets.txt", "High Wire", "Ada Lune", 6,
+       {"0:12", "0:15", "0:17", "0:15", "0:12", "1:13"}, 6},
+      {"05_several_staves.txt", "Long Road", "North Gate", 6, {"0:0", "1:1", "2:2", "0:0"}, 18},
+      {"06_windows_line_ends.txt", "Window Frame", "Glass Street", 6,
+       {"2:2", "1:1", "0:0", "1:1", "2:2"}, 5},
+      {"07_bass.txt", "Low Tide Groove", "The Undertow", 4,
+       {"3:3", "2:5", "2:7", "1:5", "1:7", "3:3"}, 6},
+      {"08_palm_mutes_and_dead_notes.txt", "Chug", "Iron Kettle", 6,
+       {"3:2 4:2 5:0", "3:x 4:x 5:x", "3:2 4:2 5:0"}, 10},
+      {"09_no_string_names.txt", "Plain Lines", "Pencil Box", 6, {"2:0", "1:0", "0:0", "1:0", "2:0"}, 5},
+      {"10_seven_string_and_harmonics.txt", "Deep Seven", "Seven Stars", 7,
+       {"6:0", "6:0", "0:12 1:12 6:5"}, 3},
+  };
+  const std::filesystem::path folder = std::filesystem::path(PLECTARO_SOURCE_DIR) / "tests" / "data" / "tabs";
+  AsciiImportOptions o;
+  o.GetFileDetails = true;
+  for (const Case& c : cases) {
+    const Score s = Import(DecodeTabText(ReadWholeFile(folder / c.file)), o);
+    EXPECT_EQ(s.Title, c.title) << c.file;
+    EXPECT_EQ(s.Artist, c.artist) << c.file;
+    EXPECT_EQ(s.track(0).Tuning.NumStrings, c.strings) << c.file;
+    const Words frets = Frets(s);
+    EXPECT_EQ(frets.size(), c.beats) << c.file;
+    EXPECT_EQ(Words(frets.begin(), frets.begin() + static_cast<long>(std::min(frets.size(), c.firstBeats.size()))),
+              c.firstBeats)
+        << c.file;
+  }
 }
 
 // Every track of the demo songs goes out as text and comes back with the same frets on the

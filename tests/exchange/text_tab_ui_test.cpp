@@ -97,6 +97,7 @@ void WaitFor(const std::function<bool()>& done) {
 TEST_F(TextTabUi, WebImportThroughTheDialog) {
   LocalServer server;
   Document doc;
+  const Score empty = doc.score;
   ScriptedPrompter prompter;
   EditContext edit(doc, prompter);
   AsciiImportDialog d(nullptr, edit, TabSource::Web);
@@ -111,6 +112,8 @@ TEST_F(TextTabUi, WebImportThroughTheDialog) {
   EXPECT_EQ(doc.score.note(0, 0, 0, 4).Fret, "3");
   EXPECT_EQ(doc.score.note(0, 0, 1, 5).Fret, "3");
   EXPECT_TRUE(doc.ScoreChanged);
+  mnuEditUndo_Click(edit);  // the import is one step of undo
+  EXPECT_EQ(doc.score, empty);
 
   // A page that cannot be had says so in the status line and leaves the text alone.
   AsciiImportDialog missing(nullptr, edit, TabSource::Web);

@@ -210,7 +210,7 @@ void AsciiImportDialog::accept() {
     }
     doc.CursorBar = 0;
     doc.CursorBeat = 0;
-  });
+  }, "Import Tab");
   if (done) QDialog::accept();
 }
 
