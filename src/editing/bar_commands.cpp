@@ -95,6 +95,18 @@ BarClipboard clipOf(const Score& s, int track, const std::vector<int>& bars) {
 
 }  // namespace
 
+BarClipboard ClipOfTracks(const Score& s, int cursorTrack, const std::vector<int>& tracks,
+                          const std::vector<int>& bars) {
+  BarClipboard clip = clipOf(s, cursorTrack, bars);
+  if (tracks.size() < s.Tracks.size()) return clip;
+  for (size_t t = 0; t < s.Tracks.size(); ++t) {
+    BarClipboard one = clipOf(s, static_cast<int>(t), bars);
+    clip.trackBars.push_back(std::move(one.bars));
+    clip.drumTracks.push_back(one.drumTrack);
+  }
+  return clip;
+}
+
 const char* const kMajorKeyNames[15] = {
     "Cb (bbbbbbb)", "Gb (bbbbbb)", "Db (bbbbb)", "Ab (bbbb)", "Eb (bbb)", "Bb (bb)", "F (b)", "C",
     "G (#)", "D (##)", "A (###)", "E (####)", "B (#####)", "F# (######)", "C# (#######)"};
@@ -263,9 +275,13 @@ bool PasteBars(EditContext& ctx, const std::vector<int>& tracks, int pastings, b
     ctx.message("str_InvalidPastings", MessageIcon::Warning);
     return false;
   }
+  // A band clipboard goes back track by track when the score has as many tracks; otherwise
+  // its cursor track's bars serve like a copy of one track.
+  const bool band = ctx.clipboard.trackBars.size() == ctx.doc.score.Tracks.size();
   for (int t : tracks) {
-    if (t >= 0 && t <= ctx.doc.score.LastTrack() &&
-        ctx.doc.score.Tracks[static_cast<size_t>(t)].DrumTrack != ctx.clipboard.drumTrack) {
+    if (t < 0 || t > ctx.doc.score.LastTrack()) continue;
+    const bool drum = band ? ctx.clipboard.drumTracks[static_cast<size_t>(t)] : ctx.clipboard.drumTrack;
+    if (ctx.doc.score.Tracks[static_cast<size_t>(t)].DrumTrack != drum) {
       ctx.message("str_WrongTrackType", MessageIcon::Warning);
       return false;
     }
@@ -287,8 +303,9 @@ bool PasteBars(EditContext& ctx, const std::vector<int>& tracks, int pastings, b
       block.reserve(static_cast<size_t>(total));
       if (chosen[t]) {
         const int strings = tr.Tuning.NumStrings;
+        const auto& source = band ? clip.trackBars[t] : clip.bars;
         for (int p = 0; p < pastings; ++p)
-          for (const Cow<TrackBar>& b : clip.bars)
+          for (const Cow<TrackBar>& b : source)
             block.push_back(usesStringsBeyond(*b, strings) ? Cow<TrackBar>(fitToStrings(*b, strings)) : b);
       } else {
         const TrackBar& near = *tr.Bars[static_cast<size_t>(std::max(at - 1, 0))];

@@ -47,6 +47,9 @@ bool RemoveBar(EditContext& ctx, const std::vector<int>& tracks);
 // after (or before) the cursor's bar: the chosen tracks get the copied bars, the others blank
 // bars, so the tracks stay aligned. A refusal shows its message and changes nothing.
 bool CopyBars(EditContext& ctx, const std::vector<int>& bars);
+// The chosen bars of the chosen tracks as a clipboard; all tracks give a band clipboard.
+BarClipboard ClipOfTracks(const Score& s, int cursorTrack, const std::vector<int>& tracks,
+                          const std::vector<int>& bars);
 bool CutBars(EditContext& ctx, const std::vector<int>& tracks, const std::vector<int>& bars);
 bool PasteBars(EditContext& ctx, const std::vector<int>& tracks, int pastings, bool after);
 

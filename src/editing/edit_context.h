@@ -64,7 +64,19 @@ struct BarClipboard {
   std::vector<Cow<TrackBar>> bars;   // copied whole: notes and effects go along
   std::vector<BarInfo> infos;        // their time signatures and marks
   bool drumTrack = false;            // bars of a drum track only paste onto a drum track
+  // Bars copied from every track at once (a band arrangement): one list per track, in track
+  // order; `bars` then holds the cursor track's list. Empty for a copy of one track.
+  std::vector<std::vector<Cow<TrackBar>>> trackBars;
+  std::vector<bool> drumTracks;
   bool empty() const { return bars.empty(); }
+};
+
+// Marked beats or bars; see editing/selection.h.
+struct Selection {
+  bool active = false;
+  bool allTracks = false;
+  int16_t anchorBar = 0;
+  int16_t anchorBeat = 0;
 };
 
 class EditContext {
@@ -79,6 +91,7 @@ class EditContext {
   EditHooks hooks;
   UndoRing undo;
   BarClipboard clipboard;
+  Selection selection;
 
   bool NotationEntry = false;      // Enter switched note entry to the notation staff
   bool KeyChanged = false;         // the last command changed the Score
@@ -94,6 +107,7 @@ class EditContext {
   void documentReplaced() {
     undo.clear();
     NotationEntry = false;
+    selection = Selection{};
     notifyUndo();
   }
 

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <limits>
 
+#include "editing/selection.h"
 #include "rendering/page_layout.h"
 
 namespace plectaro {
@@ -59,8 +60,15 @@ HitResult HitTest(const Document& doc, int track, double x, double y) {
   return r;
 }
 
-void picDocument_MouseDown(EditContext& ctx, MouseButton button, Modifiers, double x, double y) {
+void picDocument_MouseDown(EditContext& ctx, MouseButton button, Modifiers mods, double x, double y) {
   const HitResult hit = HitTest(ctx.doc, ctx.doc.CursorTrack, x, y);
+  // Shift+click marks up to the point clicked (Ctrl as well: in all tracks); a right click
+  // keeps the selection so that its menu can act on it.
+  if (hit.hit && button == MouseButton::Left && (mods & kShift)) {
+    SelectTo(ctx, hit.bar, hit.beat, (mods & kCtrl) != 0);
+    return;
+  }
+  if (button == MouseButton::Left) Deselect(ctx);
   if (hit.hit) {
     RunCursorMove(ctx, [&] {
       Document& d = ctx.doc;
@@ -74,6 +82,12 @@ void picDocument_MouseDown(EditContext& ctx, MouseButton button, Modifiers, doub
   }
   if (button == MouseButton::Right && ctx.hooks.openRightMenu)
     ctx.hooks.openRightMenu(static_cast<int>(x), static_cast<int>(y));
+}
+
+void picDocument_MouseDrag(EditContext& ctx, Modifiers mods, double x, double y) {
+  const HitResult hit = HitTest(ctx.doc, ctx.doc.CursorTrack, x, y);
+  if (!hit.hit || (hit.bar == ctx.doc.CursorBar && hit.beat == ctx.doc.CursorBeat)) return;
+  SelectTo(ctx, hit.bar, hit.beat, (mods & kCtrl) != 0);
 }
 
 int ScrollToShowCursor(const Document& doc, int vScroll, double pictureHeight) {

@@ -26,6 +26,10 @@ HitResult HitTest(const Document& doc, int track, double x, double y);
 // tab staff); a right click then opens the right-click menu. Then the document is drawn.
 void picDocument_MouseDown(EditContext& ctx, MouseButton button, Modifiers mods, double x, double y);
 
+// The mouse moved with the left button held since a press: marks from where the press put the
+// cursor to the beat under the mouse; with Ctrl in all tracks.
+void picDocument_MouseDrag(EditContext& ctx, Modifiers mods, double x, double y);
+
 // The vertical scroll value (steps of 8 picture units) that brings the cursor's row into a
 // picture of this height, or `vScroll` itself when it is in sight already.
 int ScrollToShowCursor(const Document& doc, int vScroll, double pictureHeight);

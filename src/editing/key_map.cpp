@@ -6,6 +6,7 @@
 #include "editing/rhythm_commands.h"
 #include "editing/bar_commands.h"
 #include "editing/cursor_access.h"
+#include "editing/selection.h"
 #include "score/bar_timing.h"
 
 namespace plectaro {
@@ -145,6 +146,55 @@ bool navigationKey(EditContext& ctx, Key key, Modifiers mods) {
   }
 }
 
+// Shift with Left/Right, Home/End, Page Up/Down (and Ctrl+Shift+Home/End) marks beats and bars
+// as it moves; with Alt as well the marking spans all tracks. Moving right never grows the
+// score the way the plain Right key does.
+bool selectionKey(EditContext& ctx, Key key, Modifiers mods) {
+  if (!(mods & kShift)) return false;
+  const bool ctrl = (mods & kCtrl) != 0;
+  const bool all = (mods & kAlt) != 0;
+  Document& d = ctx.doc;
+  const int t = d.CursorTrack;
+  std::function<void()> move;
+  switch (key) {
+    case Key::Left:
+      move = [&] {
+        if (d.CursorBeat > 0) --d.CursorBeat;
+        else if (d.CursorBar > 0) d.CursorBeat = static_cast<int16_t>(d.score.GetLastBeat(t, --d.CursorBar));
+      };
+      break;
+    case Key::Right:
+      move = [&] {
+        if (d.CursorBeat < d.score.GetLastBeat(t, d.CursorBar)) ++d.CursorBeat;
+        else if (d.CursorBar < d.score.GetLastBar(t)) ++d.CursorBar, d.CursorBeat = 0;
+      };
+      break;
+    case Key::Home:
+      move = [&] { if (ctrl) d.CursorBar = 0; d.CursorBeat = 0; };
+      break;
+    case Key::End:
+      move = [&] {
+        if (ctrl) d.CursorBar = static_cast<int16_t>(d.score.GetLastBar(t));
+        d.CursorBeat = static_cast<int16_t>(d.score.GetLastBeat(t, d.CursorBar));
+      };
+      break;
+    case Key::PageUp:
+      move = [&] { if (d.CursorBar > 0) --d.CursorBar; d.CursorBeat = 0; };
+      break;
+    case Key::PageDown:
+      move = [&] {
+        if (d.CursorBar < d.score.GetLastBar(t)) ++d.CursorBar;
+        d.CursorBeat = static_cast<int16_t>(d.score.GetLastBeat(t, d.CursorBar));
+      };
+      break;
+    default:
+      return false;
+  }
+  if (ctrl && key != Key::Home && key != Key::End) return false;
+  ExtendSelection(ctx, move, all);
+  return true;
+}
+
 void writeDrumSymbol(EditContext& ctx, char symbol) {
   RunCommand(ctx, [&] {
     CursorSlotMut(ctx.doc).Fret = std::string(1, symbol);
@@ -200,6 +250,14 @@ const std::vector<ShortcutEntry>& ShortcutTable() {
       {5, "Previous / next bar", "PgDn"},
       {5, "First / last bar", "Ctrl+Home"},
       {5, "First / last bar", "Ctrl+End"},
+      {6, "Mark beats and bars", "Shift+Left"},
+      {6, "Mark beats and bars", "Shift+Right"},
+      {6, "Mark to the start / end of the bar", "Shift+Home"},
+      {6, "Mark to the start / end of the bar", "Shift+End"},
+      {6, "Mark bars", "Shift+PgUp"},
+      {6, "Mark bars", "Shift+PgDn"},
+      {6, "Mark bars in all tracks", "Alt+Shift+PgDn"},
+      {6, "Clear what is marked", "Del"},
   };
   return table;
 }
@@ -309,6 +367,16 @@ bool picDocument_KeyDown(EditContext& ctx, Key key, Modifiers mods) {
   if (key == Key::Z) {
     mnuEditUndo_Click(ctx);
     return true;
+  }
+  if (selectionKey(ctx, key, mods)) return true;
+  if (ctx.selection.active) {
+    // Del and Backspace clear what is marked; Escape and every other key let go of it.
+    if ((key == Key::Delete || key == Key::Backspace) && !(mods & kShift)) {
+      ClearSelection(ctx);
+      return true;
+    }
+    Deselect(ctx);
+    if (key == Key::Escape) return true;
   }
   if (navigationKey(ctx, key, mods)) return true;
   // Ctrl and Alt combinations belong to the menus; a letter typed with them must not also

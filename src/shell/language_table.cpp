@@ -515,6 +515,9 @@ sbFill=Bar fill
 sbPages=Pages
 sbTime=Cursor position
 mnuEditRedo=&Redo
+mnuEditSelectAll=Select &All Bars
+mnuEditSelectAllTracks=Select All Bars in All &Tracks
+mnuHelpShortcuts=&Shortcut Keys
 @frmMetronome
 Caption=Metronome
 @frmMusicPaper

@@ -3,11 +3,15 @@
 #include <QAbstractScrollArea>
 #include <QKeyEvent>
 #include <QMouseEvent>
+#include <QPainter>
 #include <QScrollBar>
 #include <QTimer>
+#include <QWheelEvent>
+#include <cmath>
 
 #include "editing/hit_test.h"
 #include "editing/key_map.h"
+#include "editing/selection.h"
 
 namespace plectaro {
 
@@ -32,6 +36,35 @@ std::optional<int> digitOfShiftedKey(const QKeyEvent& e) {
     default: return std::nullopt;
   }
 }
+
+// The translucent band over the marked beats and bars. It lies on top of the page, takes no
+// mouse events, and is repainted after every draw of the page.
+class BandOverlay : public QWidget {
+ public:
+  BandOverlay(QWidget* viewport, const EditContext& ctx) : QWidget(viewport), ctx_(ctx) {
+    setAttribute(Qt::WA_TransparentForMouseEvents);
+    setAttribute(Qt::WA_NoSystemBackground);
+    setGeometry(viewport->rect());
+    show();
+  }
+
+ protected:
+  void paintEvent(QPaintEvent*) override {
+    const auto rects = SelectionBand(ctx_);
+    if (rects.empty()) return;
+    QPainter p(this);
+    QColor fill = palette().color(QPalette::Highlight);
+    fill.setAlpha(60);
+    QColor edge = fill;
+    edge.setAlpha(160);
+    p.setPen(edge);
+    p.setBrush(fill);
+    for (const BandRect& r : rects) p.drawRect(QRectF(r.x, r.y, r.w, r.h));
+  }
+
+ private:
+  const EditContext& ctx_;
+};
 
 }  // namespace
 
@@ -98,6 +131,7 @@ EditorInput::EditorInput(QAbstractScrollArea* view, EditContext& ctx)
     : QObject(view), view_(view), viewport_(view->viewport()), ctx_(ctx) {
   view->installEventFilter(this);
   viewport_->installEventFilter(this);
+  band_ = new BandOverlay(viewport_, ctx);
 }
 
 bool EditorInput::eventFilter(QObject* watched, QEvent* event) {
@@ -110,6 +144,18 @@ bool EditorInput::eventFilter(QObject* watched, QEvent* event) {
   }
   // Compared by pointer only: while the view is being destroyed its viewport still sends
   // events, and the view must not be asked for anything then.
+  if (watched == viewport_ && event->type() == QEvent::Wheel) {
+    wheel(*static_cast<QWheelEvent*>(event));
+    return true;
+  }
+  if (watched == viewport_ && event->type() == QEvent::MouseMove) {
+    auto* me = static_cast<QMouseEvent*>(event);
+    if (!(me->buttons() & Qt::LeftButton)) return false;
+    Modifiers mods = 0;
+    if (me->modifiers() & Qt::ControlModifier) mods |= kCtrl;
+    picDocument_MouseDrag(ctx_, mods, me->position().x(), me->position().y());
+    return true;
+  }
   if (watched == viewport_ && event->type() == QEvent::MouseButtonPress) {
     auto* me = static_cast<QMouseEvent*>(event);
     const MouseButton b = me->button() == Qt::RightButton ? MouseButton::Right
@@ -125,7 +171,31 @@ bool EditorInput::eventFilter(QObject* watched, QEvent* event) {
   return false;
 }
 
+// One notch of the wheel moves about three lines of text (8 scroll steps of 8 picture units);
+// with Shift it turns pages. Touchpads send fractions of a notch, which add up.
+void EditorInput::wheel(const QWheelEvent& e) {
+  const QPoint a = e.angleDelta();
+  // Some desktops turn a Shift+wheel into a sideways wheel.
+  const int delta = a.y() != 0 ? a.y() : a.x();
+  wheelRest_ += delta / 120.0;
+  const double whole = std::trunc(wheelRest_);
+  if (whole == 0) return;
+  wheelRest_ -= whole;
+  QScrollBar* v = view_->verticalScrollBar();
+  const bool pages = (e.modifiers() & Qt::ShiftModifier) != 0;
+  const int step = pages ? v->pageStep() : 8;
+  v->setValue(v->value() - static_cast<int>(whole) * step);
+}
+
 void EditorInput::afterDraw() {
+  band_->setGeometry(viewport_->rect());
+  band_->raise();
+  band_->update();
+  // The view follows the cursor after anything that moved it: keys, clicks, menu commands,
+  // pasting, undo, the end of playback.
+  const std::array<int, 3> at = {ctx_.doc.CursorTrack, ctx_.doc.CursorBar, ctx_.doc.CursorBeat};
+  if (at != lastCursor_) follow_ = true;
+  lastCursor_ = at;
   if (!follow_) return;
   follow_ = false;
   QScrollBar* v = view_->verticalScrollBar();

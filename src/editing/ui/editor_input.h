@@ -20,6 +20,7 @@
 #pragma once
 
 #include <QObject>
+#include <array>
 #include <optional>
 
 #include "editing/edit_context.h"
@@ -27,6 +28,7 @@
 
 class QAbstractScrollArea;
 class QKeyEvent;
+class QWheelEvent;
 
 namespace plectaro {
 
@@ -41,8 +43,8 @@ class EditorInput : public QObject {
   // Filters the view's key events and its viewport's mouse presses.
   EditorInput(QAbstractScrollArea* view, EditContext& ctx);
 
-  // Call after every draw of the view (the view's drawn signal): when a key or click moved
-  // the cursor, the vertical scroll bar is moved so that the cursor's row is in sight.
+  // Call after every draw of the view (the view's drawn signal): when anything moved the
+  // cursor, the vertical scroll bar is moved so that the cursor's row is in sight.
   void afterDraw();
 
  protected:
@@ -53,6 +55,11 @@ class EditorInput : public QObject {
   QWidget* viewport_;
   EditContext& ctx_;
   bool follow_ = false;
+  std::array<int, 3> lastCursor_{};  // track, bar, beat at the last draw
+  double wheelRest_ = 0;             // part of a wheel notch not yet scrolled
+  QWidget* band_ = nullptr;          // the selection band, a child of the viewport
+
+  void wheel(const QWheelEvent& e);
 };
 
 }  // namespace plectaro

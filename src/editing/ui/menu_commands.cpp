@@ -8,7 +8,9 @@
 #include "editing/key_map.h"
 #include "editing/note_commands.h"
 #include "editing/rhythm_commands.h"
+#include "editing/selection.h"
 #include "editing/ui/bar_dialogs.h"
+#include "editing/ui/shortcuts_dialog.h"
 
 namespace plectaro {
 
@@ -32,9 +34,15 @@ std::vector<MenuCommand> EditingMenuCommands(QWidget* parent, EditContext& ctx) 
   std::vector<MenuCommand> m = {
       {"mnuEditUndo", [c] { mnuEditUndo_Click(*c); }},
       {"mnuEditRedo", [c] { mnuEditRedo_Click(*c); }},
-      {"mnuEditCut", [parent, c] { mnuBarCut_Click(parent, *c); }},
-      {"mnuEditCopy", [parent, c] { mnuBarCopy_Click(parent, *c); }},
-      {"mnuEditPaste", [parent, c] { mnuBarPaste_Click(parent, *c); }},
+      // The Edit menu works on the selection when there is one and falls back on the bar
+      // clipboard dialogs; its Paste puts the clipboard after the cursor's bar (in every track
+      // when it was copied from every track). The Bar menu keeps the dialogs.
+      {"mnuEditCut", [parent, c] { if (!CutSelection(*c)) mnuBarCut_Click(parent, *c); }},
+      {"mnuEditCopy", [parent, c] { if (!CopySelection(*c)) mnuBarCopy_Click(parent, *c); }},
+      {"mnuEditPaste", [c] { PasteAtCursor(*c); }},
+      {"mnuEditSelectAll", [c] { SelectAllBars(*c, false); }},
+      {"mnuHelpShortcuts", [parent] { ShowShortcutKeys(parent); }},
+      {"mnuEditSelectAllTracks", [c] { SelectAllBars(*c, true); }},
 
       {"mnuNoteUp", [c] { mnuNoteUp_Click(*c); }, "Shift+Num +"},
       {"mnuNoteDown", [c] { mnuNoteDown_Click(*c); }, "Shift+Num -"},
@@ -59,7 +67,7 @@ std::vector<MenuCommand> EditingMenuCommands(QWidget* parent, EditContext& ctx) 
       {"mnuBarPaste", [parent, c] { mnuBarPaste_Click(parent, *c); }},
       {"mnuBarInsert", [parent, c] { mnuBarInsert_Click(parent, *c); }},
       {"mnuBarRemove", [parent, c] { mnuRemoveBar_Click(parent, *c); }},
-      {"mnuBarClear", [c] { mnuBarClear_Click(*c); }},
+      {"mnuBarClear", [c] { if (!ClearSelection(*c)) mnuBarClear_Click(*c); }},
       {"mnuBarFirst", [c] { mnuBarFirst_Click(*c); }},
       {"mnuBarPrevious", [c] { mnuBarPrevious_Click(*c); }},
       {"mnuBarNext", [c] { mnuBarNext_Click(*c); }},
@@ -70,8 +78,8 @@ std::vector<MenuCommand> EditingMenuCommands(QWidget* parent, EditContext& ctx) 
       {"mnuBarRepeatOpen", [c] { mnuBarRepeatOpen_Click(*c); }},
       {"mnuBarRepeatClose", [c] { mnuBarRepeatClose_Click(*c); }},
 
-      {"mnuIncreaseLengths", [c] { mnuIncreaseLengths_Click(*c); }},
-      {"MnuDecreaseLengths", [c] { MnuDecreaseLengths_Click(*c); }},
+      {"mnuIncreaseLengths", [c] { if (!StepSelectionLengths(*c, true)) mnuIncreaseLengths_Click(*c); }},
+      {"MnuDecreaseLengths", [c] { if (!StepSelectionLengths(*c, false)) MnuDecreaseLengths_Click(*c); }},
   };
   indexed(m, "mnuNoteVolumes", 8, [c](int i) { mnuNoteVolumes_Click(*c, i); });
   indexed(m, "mnuNoteLHFS", 5, [c](int i) { mnuNoteLHFS_Click(*c, i); });

@@ -193,6 +193,8 @@ void MainWindow::buildMenus() {
   item(edit, "mnuEditCut", nullptr, QKeySequence(Qt::CTRL | Qt::Key_X));
   item(edit, "mnuEditCopy", nullptr, QKeySequence(Qt::CTRL | Qt::Key_C));
   item(edit, "mnuEditPaste", nullptr, QKeySequence(Qt::CTRL | Qt::Key_V));
+  item(edit, "mnuEditSelectAll", nullptr, QKeySequence(Qt::CTRL | Qt::Key_A));
+  item(edit, "mnuEditSelectAllTracks", nullptr, QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_A));
   edit->addSeparator();
   item(edit, "mnuEditFindReplace", nullptr, QKeySequence(Qt::CTRL | Qt::Key_F));
 
@@ -305,6 +307,7 @@ void MainWindow::buildMenus() {
   item(tools, "mnuToolsOptions", [this] { mnuToolsOptions_Click(); });
 
   QMenu* help = menu(nullptr, "mnuHelp");
+  item(help, "mnuHelpShortcuts", nullptr, QKeySequence(Qt::Key_F1));
   item(help, "mnuHelpAbout", [this] {
     QMessageBox::about(this, StripAmpersand(session_.messages().text("frmMain", "mnuHelpAbout")),
                        "Plectaro 4.0");
