@@ -48,7 +48,7 @@ TEST(LibraryVerb, ListsFiltersAndSkipsBrokenFiles) {
        "\"fingers\":[0,0,0,0,0,0,0]}]"},
       {"library scales", 0, 38, "Locrian #2\n"},
       {"library scales --filter '#' --json", 0, 1, "\"strings\":[\"\",\"\",\"\",\"02\",\"013\",\"023\",\"0\"]"},
-      {"library tunings --filter 'drop d' --json", 0, 1, "\"notes\":[\"E\",\"B\",\"G\",\"D\",\"A\",\"-D\","},
+      {"library tunings --filter 'dropped d' --json", 0, 1, "\"notes\":[\"E\",\"B\",\"G\",\"D\",\"A\",\"-D\","},
       {"library drums", 2, 0, ""},
       {"library", 2, 0, ""},
   };
