@@ -20,6 +20,10 @@
 #include "playback/qt/player.h"
 #include "playback_wiring.h"
 #endif
+#ifdef PLECTARO_HAVE_REFERENCE
+#include "reference/ui/reference_menus.h"
+#include "reference/ui/reference_sound.h"
+#endif
 #ifdef PLECTARO_HAVE_EDITING
 #include "editing/edit_context.h"
 #include "editing/ui/editor_input.h"
@@ -119,6 +123,13 @@ int main(int argc, char** argv) {
   if (!cmd.printStartupTime)
     QObject::connect(window.view(), &plectaro::DocumentView::firstPainted, sound,
                      [sound] { QTimer::singleShot(0, sound, [sound] { sound->loadDevice(); }); });
+#endif
+#ifdef PLECTARO_HAVE_REFERENCE
+  // The chord and scale libraries: Tools > Chord Manager and Scale Manager, File > Chordbook.
+  [[maybe_unused]] auto* reference = new plectaro::ReferenceWindows(window, session, editor);
+#ifdef PLECTARO_HAVE_PLAYBACK
+  plectaro::AttachPlayer(reference->env(), player, session.doc());
+#endif
 #endif
   if (cmd.printStartupTime) {
     QObject::connect(window.view(), &plectaro::DocumentView::firstPainted, &app, [&] {

@@ -1177,4 +1177,10 @@ void DrawBar(DrawContext& ctx, double x, double y, int bar, double width) {
   p.marks();
 }
 
+void DrawTrebleClef(Surface& s, double x, double staffTop, Color c, double size) {
+  drawTrebleClef(s, x, staffTop, c, size);
+}
+
+void DrawAccidental(Surface& s, Accidental a, double x, double cy, Color c) { drawAccidental(s, a, x, cy, c); }
+
 }  // namespace plectaro

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "rendering/notation.h"
 #include "rendering/page_layout.h"
 #include "rendering/surface.h"
 #include "score/document.h"
@@ -52,5 +53,10 @@ Color BlendColor(Color from, Color to, int weight);
 const char* HarmonicLabel(int32_t harmonic);
 // Text of a bend height in quarter tones: "¼", "½", ..., "3"; "" outside 1..12.
 std::string BendHeightText(int quarterTones);
+
+// The treble clef and the accidental signs of the staff, for other drawings of small staves
+// (the chord and scale cells). `staffTop` is the top line; lines are 7 units apart.
+void DrawTrebleClef(Surface& s, double x, double staffTop, Color c, double size);
+void DrawAccidental(Surface& s, Accidental a, double x, double cy, Color c);
 
 }  // namespace plectaro

@@ -6,7 +6,9 @@
 #include <fstream>
 
 #include "../shell/test_folder.h"
+#include "reference/cell_drawing.h"
 #include "reference/library_filter.h"
+#include "rendering/recording_surface.h"
 #include "score/file_io.h"
 
 namespace plectaro {
@@ -321,6 +323,54 @@ TEST(ManagerGrid, ColumnsRowsScrollAndHits) {
   EXPECT_EQ(CellAt(250, 140, g, chart, 0, 25), 12);
   EXPECT_EQ(CellAt(550, 140, g, chart, 1, 25), -1);  // beyond the last chord
   EXPECT_EQ(CellAt(1050, 10, g, chart, 0, 25), -1);
+}
+
+TEST(ChordChart, DotsNutBarreAndMarks) {
+  // Chart at (100, 100): five fret columns of 13, strings over 55 units, string 1 at the
+  // bottom for the right hand and at the top for the left.
+  struct Case {
+    const char* what;
+    ChordData chord;
+    bool lefty;
+    size_t dots;
+    bool nut;
+    std::vector<std::string> texts;  // besides the string names
+    double barreTop, barreHeight;    // 0 when there is no barre
+  };
+  ChordData open;  // C major at the nut
+  open.Frets = {"0", "1", "0", "2", "3", "x", ""};
+  open.Tuning = kLibraryTuning;
+  open.Fingers = {0, 1, 0, 2, 3, 0, 0};
+  ChordData barre = open;  // a barre at the 5th fret over strings 1 to 5, string 6 muted
+  barre.StartFret = 4;
+  barre.Barre = true;
+  barre.Frets = {"1", "1", "2", "3", "3", "x", ""};
+  barre.Fingers = {5, 0, 0, 0, 0, 0, 0};
+  const Case cases[] = {
+      {"open", open, false, 3, true, {"1", "2", "3", "X"}, 0, 0},
+      {"barre", barre, false, 5, false, {"5", "T", "X"}, 100 + 11 - 3, 44 + 6},
+      {"barre lefty", barre, true, 5, false, {"5", "T", "X"}, 100 - 3, 44 + 6},
+  };
+  for (const Case& c : cases) {
+    RecordingSurface s;
+    DrawChordChart(s, {100, 100}, c.chord, c.lefty);
+    size_t dots = 0;
+    for (const DrawCall& call : s.ofKind(DrawCall::Kind::FillEllipse)) dots += call.color == kBlack;
+    EXPECT_EQ(dots, c.dots) << c.what;
+    bool nut = false;
+    for (const DrawCall& call : s.ofKind(DrawCall::Kind::Line)) nut = nut || call.width > 2;
+    EXPECT_EQ(nut, c.nut) << c.what;
+    std::vector<std::string> texts;
+    for (const std::string& t : s.texts())
+      if (t.find_first_of("ABCDEFG") == std::string::npos || t == "X") texts.push_back(t);
+    EXPECT_EQ(texts, c.texts) << c.what;
+    const auto bars = s.ofKind(DrawCall::Kind::FillRect);
+    ASSERT_EQ(bars.size(), c.barreHeight > 0 ? 1u : 0u) << c.what;
+    if (!bars.empty()) {
+      EXPECT_NEAR(bars[0].points[0].y, c.barreTop, 0.01) << c.what;
+      EXPECT_NEAR(bars[0].points[1].y, c.barreHeight, 0.01) << c.what;
+    }
+  }
 }
 
 }  // namespace

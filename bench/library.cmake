@@ -1,0 +1,1 @@
+set(BENCH_LIBS plectaro_reference)
