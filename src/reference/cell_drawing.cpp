@@ -157,8 +157,9 @@ void DrawChordCell(Surface& s, Point o, const CellGeometry& cell, const std::str
     smallStaff(s, x, o.y + cell.notation.y, 48, pitches, std::vector<double>(pitches.size(), x + 32));
   }
   if (cell.tab.shown) {
-    const double x = o.x + cell.tab.x, top = o.y + cell.tab.y + 8;
-    const double step = 88.0 / n;
+    // Clear of the title strip, the strings share the height below it.
+    const double x = o.x + cell.tab.x, top = o.y + cell.tab.y + 14;
+    const double step = 84.0 / n;
     const Font f = smallFont(6);
     for (int i = 0; i < n; ++i) {
       const double y = top + i * step;

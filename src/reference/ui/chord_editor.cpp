@@ -7,7 +7,6 @@
 #include <QGridLayout>
 #include <QLabel>
 #include <QLineEdit>
-#include <QPainter>
 #include <QPushButton>
 #include <QSpinBox>
 #include <QVBoxLayout>
@@ -15,34 +14,12 @@
 #include "reference/cell_drawing.h"
 #include "reference/note_names.h"
 #include "reference/place_commands.h"
-#include "rendering/qt/qt_surface.h"
+#include "reference/ui/view_menu.h"
 #include "score/value_text.h"
 
 namespace plectaro {
 
 namespace {
-
-// The chart of the chord being edited, redrawn as the fields change.
-class ChartPreview : public QWidget {
- public:
-  explicit ChartPreview(std::function<void(Surface&)> draw, QWidget* parent)
-      : QWidget(parent), draw_(std::move(draw)) {
-    setObjectName("picChord");
-    setFixedSize(130, 90);
-  }
-
- protected:
-  void paintEvent(QPaintEvent*) override {
-    QPainter p(this);
-    p.setRenderHint(QPainter::Antialiasing);
-    p.fillRect(rect(), Qt::white);
-    QtSurface s(p);
-    draw_(s);
-  }
-
- private:
-  std::function<void(Surface&)> draw_;
-};
 
 bool isFret(const QString& t) {
   bool ok = false;
@@ -98,7 +75,8 @@ ChordEditor::ChordEditor(ReferenceEnv& env, QWidget* parent) : QDialog(parent), 
     connect(cmbTuning_[idx], &QComboBox::currentIndexChanged, this, [this] { refreshPreview(); });
     connect(cmbFinger_[idx], &QComboBox::currentIndexChanged, this, [this] { refreshPreview(); });
   }
-  picChord_ = new ChartPreview(
+  picChord_ = new SurfacePicture(
+      "picChord", QSize(130, 90),
       [this](Surface& s) {
         ChordData c;
         std::string error;

@@ -15,13 +15,13 @@
 #include "reference/place_commands.h"
 #include "reference/ui/chord_editor.h"
 #include "reference/ui/library_view.h"
-#include "score/value_text.h"
+#include "reference/ui/view_menu.h"
 
 namespace plectaro {
 
 namespace {
 
-const char* const kViewNames[kViewTypes] = {"&Notation Only", "&Chord Chart Only", "&Tablature Only",
+const std::array<const char*, kViewTypes> kViewNames = {"&Notation Only", "&Chord Chart Only", "&Tablature Only",
                                             "N&otation and Tab", "Not&ation and Chart", "C&hart and Tab", "A&ll"};
 
 }  // namespace
@@ -37,13 +37,13 @@ ChordManager::ChordManager(ReferenceEnv& env, EditContext* edit, QWidget* parent
     if (it != lstChords_.end()) view_->setSelected(static_cast<int>(it - lstChords_.begin()));
   });
 
-  status_ = new QLabel(this);
-  status_->setObjectName("sbStatus");
-  status_->setFrameShape(QFrame::StyledPanel);
+  status_ = MakeStatusLine(this);
+  menuBar_ = new QMenuBar(this);
+  buildMenus();
   view_ = new LibraryView(
       [this](Surface& s, Point origin, int index) {
         const std::string& name = lstChords_[static_cast<size_t>(index)];
-        DrawChordCell(s, origin, ChordCellGeometry(viewType_), name, load(name), CellStyle{lefty_});
+        DrawChordCell(s, origin, ChordCellGeometry(viewMenu_->viewType()), name, load(name), CellStyle{viewMenu_->leftHanded()});
       },
       this);
   connect(view_, &LibraryView::cellClicked, this, [this](int index, bool right, QPoint at) {
@@ -111,8 +111,6 @@ ChordManager::ChordManager(ReferenceEnv& env, EditContext* edit, QWidget* parent
   stringRow->addStretch();
 
 
-  menuBar_ = new QMenuBar(this);
-  buildMenus();
 
   auto* layout = new QVBoxLayout(this);
   layout->setContentsMargins(0, 0, 0, 0);
@@ -124,37 +122,18 @@ ChordManager::ChordManager(ReferenceEnv& env, EditContext* edit, QWidget* parent
   layout->addWidget(view_, 1);
   layout->addWidget(status_);
 
-  if (env_.settings) {
-    lefty_ = ParseBool(env_.settings->GetSetting("Chords", "Lefthanded", "False"));
-    viewType_ = std::clamp<int>(ParseI16(env_.settings->GetSetting("Chords", "ViewType", "6")), 0, kViewTypes - 1);
-  }
-  mnuViewLefty_->setChecked(lefty_);
   // The library is written the first time the window opens, and never again while the folder
   // is there.
   CreateAllChords(env_.data);
-  setViewType(viewType_);
+  RefreshView();
   setSearch(ChordSearch::Name);
   quiet_ = false;
   resize(720, 520);
 }
 
 void ChordManager::buildMenus() {
-  QMenu* viewMenu = menuBar_->addMenu(env_.caption("mnuView", "&View"));
-  viewMenu->setObjectName("mnuView");
-  auto* views = new QActionGroup(this);
-  for (int i = 0; i < kViewTypes; ++i) {
-    QAction* a = viewMenu->addAction(env_.caption("mnuViewType" + std::to_string(i), kViewNames[i]));
-    a->setObjectName(QString("mnuViewType%1").arg(i));
-    a->setCheckable(true);
-    views->addAction(a);
-    mnuView_[static_cast<size_t>(i)] = a;
-    connect(a, &QAction::triggered, this, [this, i] { setViewType(i); });
-  }
-  viewMenu->addSeparator();
-  mnuViewLefty_ = viewMenu->addAction(env_.caption("mnuViewLefty", "&Left-handed"));
-  mnuViewLefty_->setObjectName("mnuViewLefty");
-  mnuViewLefty_->setCheckable(true);
-  connect(mnuViewLefty_, &QAction::triggered, this, [this](bool on) { setLeftHanded(on); });
+  viewMenu_ = new ViewMenu(menuBar_, env_, "Chords", kViewNames);
+  connect(viewMenu_, &ViewMenu::changed, this, [this] { RefreshView(); });
 
   QMenu* search = menuBar_->addMenu(env_.caption("mnuSearch", "&Search"));
   search->setObjectName("mnuSearch");
@@ -223,19 +202,9 @@ ChordData ChordManager::load(const std::string& name) {
   return c;
 }
 
-void ChordManager::setViewType(int viewType) {
-  viewType_ = std::clamp(viewType, 0, kViewTypes - 1);
-  mnuView_[static_cast<size_t>(viewType_)]->setChecked(true);
-  if (env_.settings) env_.settings->SaveSetting("Chords", "ViewType", std::to_string(viewType_));
-  RefreshView();
-}
+void ChordManager::setViewType(int viewType) { viewMenu_->setViewType(viewType); }
 
-void ChordManager::setLeftHanded(bool on) {
-  lefty_ = on;
-  mnuViewLefty_->setChecked(on);
-  if (env_.settings) env_.settings->SaveSetting("Chords", "Lefthanded", FormatBool(on));
-  view_->update();
-}
+void ChordManager::setLeftHanded(bool on) { viewMenu_->setLeftHanded(on); }
 
 void ChordManager::setSearch(ChordSearch mode) {
   filter_.mode = mode;
@@ -271,22 +240,19 @@ void ChordManager::RefreshFilter() {
 }
 
 void ChordManager::reportEmpty(const FilterResult&) {
-  QString text = QString::fromStdString(ChordCountText(lstChords_.size(), env_.text));
   // An empty result is said in the status line rather than in a box, so that typing a search
   // is never interrupted.
-  if (lstChords_.empty())
-    text = QString::fromStdString(EmptyChordResultText(filter_, lstRealChords_.empty(), env_.text));
-  if (!broken_.empty()) {
-    QStringList names;
-    for (const std::string& n : broken_) names << QString::fromStdString("\"" + n + "\"");
-    text += "  |  " + env_.caption("txt_UnreadableChords", "Cannot read:") + " " + names.join(", ");
-  }
-  status_->setText(text);
+  const std::string summary = lstChords_.empty()
+                                  ? EmptyChordResultText(filter_, lstRealChords_.empty(), env_.text)
+                                  : ChordCountText(lstChords_.size(), env_.text);
+  status_->setText(StatusText(summary, broken_));
 }
 
 QString ChordManager::status() const { return status_->text(); }
 
-void ChordManager::RefreshView() { view_->setCells(ChordCellGeometry(viewType_), static_cast<int>(lstChords_.size())); }
+int ChordManager::viewType() const { return viewMenu_->viewType(); }
+
+void ChordManager::RefreshView() { view_->setCells(ChordCellGeometry(viewMenu_->viewType()), static_cast<int>(lstChords_.size())); }
 
 void ChordManager::selectChord(int index) {
   if (index < 0 || index >= static_cast<int>(lstChords_.size())) return;

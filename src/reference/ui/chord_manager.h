@@ -21,6 +21,7 @@ namespace plectaro {
 
 class ChordEditor;
 class LibraryView;
+class ViewMenu;
 
 class ChordManager : public QWidget {
   Q_OBJECT
@@ -31,10 +32,9 @@ class ChordManager : public QWidget {
   void RefreshFilter();
   void RefreshView();
   void setViewType(int viewType);
-  int viewType() const { return viewType_; }
+  int viewType() const;
   void setSearch(ChordSearch mode);
   void setLeftHanded(bool on);
-  bool leftHanded() const { return lefty_; }
   // The items of the right-click menu: 0 play, 1 add as diagram, 2 add as notes.
   void runMenuItem(int item);
   void selectChord(int index);
@@ -73,17 +73,14 @@ class ChordManager : public QWidget {
   QLineEdit* txtSearch_;
   std::array<QLineEdit*, kChordStrings> txtTabSearch_{};  // index 0 = string 1
   std::array<QRadioButton*, 4> optString_{};              // 4 to 7 strings
-  std::array<QAction*, kViewTypes> mnuView_{};
   std::map<ChordSearch, QAction*> mnuSearch_;
-  QAction* mnuViewLefty_ = nullptr;
+  ViewMenu* viewMenu_ = nullptr;
 
   std::vector<std::string> lstRealChords_;
   std::vector<std::string> lstChords_;
   std::vector<std::string> broken_;
   std::map<std::string, ChordData> cache_;
   ChordFilter filter_;
-  int viewType_ = 6;
-  bool lefty_ = false;
   std::string current_;
   bool quiet_ = true;  // no notices while the window is built
 };

@@ -8,39 +8,14 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
-#include <QPainter>
 #include <QPushButton>
 #include <QTimer>
 #include <QVBoxLayout>
 
 #include "reference/note_names.h"
-#include "rendering/qt/qt_surface.h"
+#include "reference/ui/view_menu.h"
 
 namespace plectaro {
-
-namespace {
-
-class ScalePreview : public QWidget {
- public:
-  ScalePreview(std::function<void(Surface&)> draw, QWidget* parent) : QWidget(parent), draw_(std::move(draw)) {
-    setObjectName("picScale");
-    setFixedSize(180, 90);
-  }
-
- protected:
-  void paintEvent(QPaintEvent*) override {
-    QPainter p(this);
-    p.setRenderHint(QPainter::Antialiasing);
-    p.fillRect(rect(), Qt::white);
-    QtSurface s(p);
-    draw_(s);
-  }
-
- private:
-  std::function<void(Surface&)> draw_;
-};
-
-}  // namespace
 
 ScaleEditor::ScaleEditor(ReferenceEnv& env, QWidget* parent) : QDialog(parent), env_(env) {
   setObjectName("frmScaleEditor");
@@ -86,7 +61,8 @@ ScaleEditor::ScaleEditor(ReferenceEnv& env, QWidget* parent) : QDialog(parent), 
       connect(box, &QCheckBox::toggled, this, [this] { DrawTheScale(); });
     }
   }
-  picScale_ = new ScalePreview([this](Surface& s) { DrawScaleChart(s, {24, 12}, scale(), view_, false); }, this);
+  picScale_ = new SurfacePicture("picScale", QSize(180, 90),
+                                 [this](Surface& s) { DrawScaleChart(s, {24, 12}, scale(), view_, false); }, this);
 
   tmrPlay_ = new QTimer(this);
   tmrPlay_->setObjectName("tmrPlay");

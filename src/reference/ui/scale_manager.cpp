@@ -13,14 +13,14 @@
 
 #include "reference/place_commands.h"
 #include "reference/ui/library_view.h"
+#include "reference/ui/view_menu.h"
 #include "reference/ui/scale_editor.h"
-#include "score/value_text.h"
 
 namespace plectaro {
 
 namespace {
 
-const char* const kViewNames[kViewTypes] = {"&Notation Only", "&Chart Only", "&Tablature Only", "N&otation and Tab",
+const std::array<const char*, kViewTypes> kViewNames = {"&Notation Only", "&Chart Only", "&Tablature Only", "N&otation and Tab",
                                             "Not&ation and Chart", "C&hart and Tab", "A&ll"};
 
 }  // namespace
@@ -32,13 +32,13 @@ ScaleManager::ScaleManager(ReferenceEnv& env, EditContext* edit, QWidget* parent
   editor_ = new ScaleEditor(env_, this);
   connect(editor_, &ScaleEditor::saved, this, [this] { RefreshFilter(); });
 
-  status_ = new QLabel(this);
-  status_->setObjectName("sbStatus");
-  status_->setFrameShape(QFrame::StyledPanel);
+  status_ = MakeStatusLine(this);
+  menuBar_ = new QMenuBar(this);
+  buildMenus();
   view_ = new LibraryView(
       [this](Surface& s, Point origin, int index) {
         const std::string& name = lstScales_[static_cast<size_t>(index)];
-        DrawScaleCell(s, origin, ScaleCellGeometry(viewType_), title(name), load(name), key_, CellStyle{lefty_});
+        DrawScaleCell(s, origin, ScaleCellGeometry(viewMenu_->viewType()), title(name), load(name), key_, CellStyle{viewMenu_->leftHanded()});
       },
       this);
   connect(view_, &LibraryView::cellClicked, this, [this](int index, bool right, QPoint at) {
@@ -69,8 +69,6 @@ ScaleManager::ScaleManager(ReferenceEnv& env, EditContext* edit, QWidget* parent
   connect(txtSearch_, &QLineEdit::textChanged, this, [this] { RefreshFilter(); });
   connect(txtStrings_, &QSpinBox::valueChanged, this, [this] { RefreshFilter(); });
 
-  menuBar_ = new QMenuBar(this);
-  buildMenus();
 
   auto* layout = new QVBoxLayout(this);
   layout->setContentsMargins(0, 0, 0, 0);
@@ -80,16 +78,11 @@ ScaleManager::ScaleManager(ReferenceEnv& env, EditContext* edit, QWidget* parent
   layout->addWidget(view_, 1);
   layout->addWidget(status_);
 
-  if (env_.settings) {
-    lefty_ = ParseBool(env_.settings->GetSetting("Scales", "Lefthanded", "False"));
-    viewType_ = std::clamp<int>(ParseI16(env_.settings->GetSetting("Scales", "ViewType", "6")), 0, kViewTypes - 1);
-  }
-  mnuViewLefty_->setChecked(lefty_);
   CreateAllScales(env_.data);
   mnuAscend_->setChecked(true);
   mnuLow_->setChecked(true);
   setKey(ScaleKeyItem(0));
-  setViewType(viewType_);
+  RefreshView();
   setSearch(ScaleSearch::Name);
   resize(800, 600);
 }
@@ -101,19 +94,8 @@ void ScaleManager::buildMenus() {
     a->setCheckable(checkable);
     return a;
   };
-  QMenu* viewMenu = menuBar_->addMenu(env_.caption("mnuView", "&View"));
-  viewMenu->setObjectName("mnuView");
-  auto* views = new QActionGroup(this);
-  for (int i = 0; i < kViewTypes; ++i) {
-    const std::string name = "mnuViewType" + std::to_string(i);
-    QAction* a = add(viewMenu, name.c_str(), kViewNames[i], true);
-    views->addAction(a);
-    mnuView_[static_cast<size_t>(i)] = a;
-    connect(a, &QAction::triggered, this, [this, i] { setViewType(i); });
-  }
-  viewMenu->addSeparator();
-  mnuViewLefty_ = add(viewMenu, "mnuViewLefty", "&Left-handed", true);
-  connect(mnuViewLefty_, &QAction::triggered, this, [this](bool on) { setLeftHanded(on); });
+  viewMenu_ = new ViewMenu(menuBar_, env_, "Scales", kViewNames);
+  connect(viewMenu_, &ViewMenu::changed, this, [this] { RefreshView(); });
 
   QMenu* search = menuBar_->addMenu(env_.caption("mnuSearch", "&Search"));
   search->setObjectName("mnuSearch");
@@ -191,19 +173,9 @@ std::string ScaleManager::title(const std::string& name) const {
   return name + " - " + env_.str("str_KeyOf") + " " + kScaleKeys[static_cast<size_t>(ScaleKeyItem(key_.keyOffset))];
 }
 
-void ScaleManager::setViewType(int viewType) {
-  viewType_ = std::clamp(viewType, 0, kViewTypes - 1);
-  mnuView_[static_cast<size_t>(viewType_)]->setChecked(true);
-  if (env_.settings) env_.settings->SaveSetting("Scales", "ViewType", std::to_string(viewType_));
-  RefreshView();
-}
+void ScaleManager::setViewType(int viewType) { viewMenu_->setViewType(viewType); }
 
-void ScaleManager::setLeftHanded(bool on) {
-  lefty_ = on;
-  mnuViewLefty_->setChecked(on);
-  if (env_.settings) env_.settings->SaveSetting("Scales", "Lefthanded", FormatBool(on));
-  view_->update();
-}
+void ScaleManager::setLeftHanded(bool on) { viewMenu_->setLeftHanded(on); }
 
 void ScaleManager::setSearch(ScaleSearch mode) {
   filter_.mode = mode;
@@ -249,23 +221,20 @@ void ScaleManager::RefreshFilter() {
   const auto it = std::find(lstScales_.begin(), lstScales_.end(), current_);
   view_->setSelected(it == lstScales_.end() ? -1 : static_cast<int>(it - lstScales_.begin()));
   RefreshView();
-  QString text = QString::fromStdString(ScaleCountText(lstScales_.size(), env_.text));
+  std::string summary = ScaleCountText(lstScales_.size(), env_.text);
   // As in the Chord Manager, an empty result is said in the status line.
   if (lstScales_.empty()) {
     const auto [head, body] = EmptyScaleResultText(filter_, lstRealScales_.empty(), env_.text);
-    text = QString::fromStdString(head + ": " + body);
+    summary = head + ": " + body;
   }
-  if (!r.broken.empty()) {
-    QStringList names;
-    for (const std::string& n : r.broken) names << QString::fromStdString("\"" + n + "\"");
-    text += "  |  " + env_.caption("txt_UnreadableScales", "Cannot read:") + " " + names.join(", ");
-  }
-  status_->setText(text);
+  status_->setText(StatusText(summary, r.broken));
 }
 
 QString ScaleManager::status() const { return status_->text(); }
 
-void ScaleManager::RefreshView() { view_->setCells(ScaleCellGeometry(viewType_), static_cast<int>(lstScales_.size())); }
+int ScaleManager::viewType() const { return viewMenu_->viewType(); }
+
+void ScaleManager::RefreshView() { view_->setCells(ScaleCellGeometry(viewMenu_->viewType()), static_cast<int>(lstScales_.size())); }
 
 void ScaleManager::selectScale(int index) {
   if (index < 0 || index >= static_cast<int>(lstScales_.size())) return;

@@ -20,6 +20,7 @@ class QSpinBox;
 namespace plectaro {
 
 class LibraryView;
+class ViewMenu;
 class ScaleEditor;
 
 class ScaleManager : public QWidget {
@@ -30,7 +31,7 @@ class ScaleManager : public QWidget {
   void RefreshFilter();
   void RefreshView();
   void setViewType(int viewType);
-  int viewType() const { return viewType_; }
+  int viewType() const;
   void setSearch(ScaleSearch mode);
   // mnuKey(item): A, A#, ... G#; the patterns are stored in E.
   void setKey(int item);
@@ -63,14 +64,13 @@ class ScaleManager : public QWidget {
   QWidget* picSearch_;
   QLineEdit* txtSearch_;
   QSpinBox* txtStrings_;
-  std::array<QAction*, kViewTypes> mnuView_{};
   std::array<QAction*, 12> mnuKey_{};
   std::map<ScaleSearch, QAction*> mnuSearch_;
   QAction* mnuHigh_ = nullptr;
   QAction* mnuLow_ = nullptr;
   QAction* mnuAscend_ = nullptr;
   QAction* mnuDescending_ = nullptr;
-  QAction* mnuViewLefty_ = nullptr;
+  ViewMenu* viewMenu_ = nullptr;
   QAction* mnuAdd_ = nullptr;
 
   std::vector<std::string> lstRealScales_;
@@ -78,8 +78,6 @@ class ScaleManager : public QWidget {
   std::map<std::string, ScaleData> cache_;
   ScaleFilter filter_;
   ScaleView key_;  // key, octave and direction the cells are drawn in
-  int viewType_ = 6;
-  bool lefty_ = false;
   std::string current_;
 };
 
