@@ -72,10 +72,11 @@ TEST_F(Managers, ChordSearchesAndTheirNotices) {
   EXPECT_TRUE(prompter.asked().empty());  // searching never opens a box
 }
 
-TEST_F(Managers, AddingAChordAsDiagramAndAsNotes) {
+TEST_F(Managers, AddingAChordAsDiagramAndAsNotesIsUndoable) {
   ChordManager m(env, &edit);
   m.selectChord(indexOf(m.chords(), "C Maj"));
   EXPECT_EQ(m.currentChord(), "C Maj");
+  const Score empty = doc.score;
   m.runMenuItem(2);
   const Beat& b = doc.score.beat(0, 0, 0);
   const std::vector<std::string> frets = {b.Notes[0].Fret, b.Notes[1].Fret, b.Notes[2].Fret,
@@ -90,6 +91,10 @@ TEST_F(Managers, AddingAChordAsDiagramAndAsNotes) {
   // The Chordbook now lists the chord of the file.
   m.setSearch(ChordSearch::InFile);
   EXPECT_EQ(m.chords(), std::vector<std::string>{"C Maj"});
+
+  mnuEditUndo_Click(edit);
+  mnuEditUndo_Click(edit);
+  EXPECT_EQ(doc.score, empty);
 
   m.runMenuItem(0);
   EXPECT_EQ(sounded, std::vector<std::string>{"C Maj"});
