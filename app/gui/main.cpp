@@ -28,6 +28,7 @@
 #include "editing/edit_context.h"
 #include "editing/ui/editor_input.h"
 #include "editing/ui/menu_commands.h"
+#include "editing/ui/track_menus.h"
 #endif
 #ifdef PLECTARO_HAVE_EXCHANGE
 #include "exchange/ui/text_tab_menus.h"
@@ -114,12 +115,18 @@ int main(int argc, char** argv) {
     input->afterDraw();
     plectaro::UpdateEditingMenus(find, edit);
   });
+  // The Track, Operations and Go menus and the mix table.
+  auto* tracks = plectaro::ConnectTrackMenus(find, &window, edit, session.folder().data());
+  QObject::connect(window.view(), &plectaro::DocumentView::drawn, tracks, &plectaro::TrackMenus::refresh);
 #endif
 #ifdef PLECTARO_HAVE_PLAYBACK
   // Playback: the Sound menu, the play marker, notes sounded as they are typed. The output
   // device opens once the first page is on screen, so loading the sounds never delays it.
   plectaro::Player player(&session.settings(), &window);
   auto* sound = new plectaro::PlaybackWiring(window, session, player, editor);
+#ifdef PLECTARO_HAVE_EDITING
+  tracks->onMixChanged = [&](const std::vector<bool>& silenced) { player.setMix(session.doc().score, silenced); };
+#endif
   if (!cmd.printStartupTime)
     QObject::connect(window.view(), &plectaro::DocumentView::firstPainted, sound,
                      [sound] { QTimer::singleShot(0, sound, [sound] { sound->loadDevice(); }); });

@@ -51,11 +51,12 @@ void mnuFixThisBar_Click(EditContext& ctx) {
     ctx.prompter.message(e.what(), ctx.text("str_Error"), MessageIcon::Critical);
     return;
   }
-  RunCommand(ctx, [&] { RepairBar(ctx.doc.score, ctx.doc.CursorTrack, ctx.doc.CursorBar); });
+  RunCommand(
+      ctx, [&] { RepairBar(ctx.doc.score, ctx.doc.CursorTrack, ctx.doc.CursorBar); }, "Fix this Bar");
 }
 
 void mnuFixAllBars_Click(EditContext& ctx) {
-  RunCommand(ctx, [&] { FixAllBars(ctx.doc.score, ctx.doc.CursorTrack); });
+  RunCommand(ctx, [&] { FixAllBars(ctx.doc.score, ctx.doc.CursorTrack); }, "Fix all Bars");
 }
 
 // ---- rests ----
@@ -81,7 +82,7 @@ int RemoveRests(Score& s, int track) {
 void mnuOperationsRemoveRests_Click(EditContext& ctx) {
   if (!PasswordCorrect(ctx)) return;
   if (!ctx.prompter.yesNo(ctx.text("str_ConfirmRemoveRests"), ctx.text("str_RemoveAllRests"))) return;
-  RunCommand(ctx, [&] { RemoveRests(ctx.doc.score, ctx.doc.CursorTrack); });
+  RunCommand(ctx, [&] { RemoveRests(ctx.doc.score, ctx.doc.CursorTrack); }, "Remove all Rests");
 }
 
 // ---- transposing ----
@@ -176,7 +177,8 @@ bool Transpose(EditContext& ctx, const std::vector<int>& tracks, int semitones) 
     return false;
   }
   std::vector<UnplacedNote> unplaced;
-  const bool ok = RunCommand(ctx, [&] { unplaced = TransposeTracks(ctx.doc.score, tracks, semitones); });
+  const bool ok = RunCommand(
+      ctx, [&] { unplaced = TransposeTracks(ctx.doc.score, tracks, semitones); }, "Transpose");
   if (ok && !unplaced.empty()) {
     std::string text = ctx.text("str_TransposeNoRoom");
     for (const UnplacedNote& n : unplaced)
@@ -229,7 +231,7 @@ bool AddGotoPoint(EditContext& ctx, const std::string& rawName) {
     ctx.message("str_NoMorePoints", MessageIcon::Information);
     return false;
   }
-  const bool ok = RunCommand(ctx, [&] { CursorBeatMut(ctx.doc).GotoName = name; });
+  const bool ok = RunCommand(ctx, [&] { CursorBeatMut(ctx.doc).GotoName = name; }, "Add a Go-To Point");
   if (ok && ctx.hooks.gotoPointsChanged) ctx.hooks.gotoPointsChanged();
   return ok;
 }
@@ -242,7 +244,8 @@ bool DeleteGotoPoint(EditContext& ctx, const std::string& name) {
                           ctx.text("str_ConfirmationRequired")))
     return false;
   const GotoPoint at = *p;
-  const bool ok = RunCommand(ctx, [&] { ctx.doc.score.beatMut(at.track, at.bar, at.beat).GotoName.clear(); });
+  const bool ok = RunCommand(
+      ctx, [&] { ctx.doc.score.beatMut(at.track, at.bar, at.beat).GotoName.clear(); }, "Delete a Go-To Point");
   if (ok && ctx.hooks.gotoPointsChanged) ctx.hooks.gotoPointsChanged();
   return ok;
 }

@@ -87,7 +87,7 @@ bool AddTrack(EditContext& ctx, const Track& setup) {
     d.CursorBeat = 0;
     d.CursorString = 0;
     d.CursorLine = 0;
-  });
+  }, "Add a Track");
   if (ok && ctx.hooks.trackChanged) ctx.hooks.trackChanged();
   return ok;
 }
@@ -109,7 +109,7 @@ bool DeleteTrack(EditContext& ctx) {
     s.Tracks.erase(s.Tracks.begin() + d.CursorTrack);
     if (d.CursorTrack > s.LastTrack()) d.CursorTrack = static_cast<int16_t>(s.LastTrack());
     d.CursorBeat = 0;
-  });
+  }, "Delete this Track");
   if (ok && ctx.hooks.trackChanged) ctx.hooks.trackChanged();
   return ok;
 }
@@ -135,7 +135,7 @@ TrackPropertiesResult ApplyTrackProperties(EditContext& ctx, int track, const Tr
       next.InstrumentName.clear();
     }
     t = std::move(next);
-  });
+  }, "Track Properties");
   if (result.applied && retuned) {
     result.fretsKept = true;
     ctx.message("str_FretsKeptOnRetune", MessageIcon::Information);
@@ -147,7 +147,7 @@ bool SetTrackVolume(EditContext& ctx, int track, int volume) {
   return RunCommand(ctx, [&] {
     requireRange(volume, 0, 100, "The volume");
     trackAt(ctx.doc.score, track).Volume = static_cast<int16_t>(volume);
-  });
+  }, "Volume");
 }
 
 bool SetTrackInstrument(EditContext& ctx, int track, int instrument, const std::string& name) {
@@ -156,7 +156,7 @@ bool SetTrackInstrument(EditContext& ctx, int track, int instrument, const std::
     Track& t = trackAt(ctx.doc.score, track);
     t.Instrument = static_cast<int16_t>(instrument);
     if (!t.DrumTrack) t.InstrumentName = name;
-  });
+  }, "Instrument");
 }
 
 bool SetTrackChannel(EditContext& ctx, int track, int channel) {
@@ -165,11 +165,11 @@ bool SetTrackChannel(EditContext& ctx, int track, int channel) {
     Track& t = trackAt(ctx.doc.score, track);
     // A drum track plays on the percussion channel whatever is asked.
     t.Channel = static_cast<int16_t>(t.DrumTrack ? kDrumChannel : channel);
-  });
+  }, "Channel");
 }
 
 bool SetTrackLyrics(EditContext& ctx, int track, const std::array<std::string, 5>& lines) {
-  return RunCommand(ctx, [&] { trackAt(ctx.doc.score, track).Lyrics = lines; });
+  return RunCommand(ctx, [&] { trackAt(ctx.doc.score, track).Lyrics = lines; }, "Edit Lines");
 }
 
 }  // namespace plectaro

@@ -274,6 +274,7 @@ bool Scheduler::startBeat(int t, int lastTrack) {
     const int16_t mark = GetTempoMark(s, t, cursorBar_, k);
     if (mark > 0) playTimer_->setInterval(IntervalForTempo(mark));
     const Beat& beat = (*beatsOf(s, t, cursorBar_))[static_cast<size_t>(k)];
+    if (ti < options.Silenced.size() && options.Silenced[ti]) return true;
     PlayChord(soundOut(), s, t, cursorBar_, k, false, beat.Stroke == kUpStroke, &strums_[ti]);
     // Each new strum restarts the timer, so its strings keep their spacing from its first.
     if (strums_[ti].pending()) tmrStrum_->setEnabled(true);

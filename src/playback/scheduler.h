@@ -24,6 +24,9 @@ struct PlaybackOptions {
   bool Metronome = false;
   int16_t OutputBank = 0;
   int CurrentTrack = 0;  // the track shown in the window, whose beats move the marker
+  // Tracks the mix table has muted (or left out of a solo), by track index; a track beyond
+  // the list sounds. They still keep time, so unmuting brings them in at the right beat.
+  std::vector<bool> Silenced;
 };
 
 struct SpeedTrainer {

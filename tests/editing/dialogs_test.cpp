@@ -2,15 +2,23 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QCheckBox>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QTableWidget>
 #include <QComboBox>
 #include <QDialog>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QSpinBox>
 #include <QTimer>
+#include <filesystem>
 #include <functional>
+#include <random>
 
 #include "editing/ui/bar_dialogs.h"
+#include "editing/ui/track_dialogs.h"
+#include "editing/ui/track_menus.h"
 #include "shell/prompter.h"
 
 namespace plectaro {
@@ -106,6 +114,69 @@ TEST(Dialogs, CodaWizardWalksFourSteps) {
   EXPECT_TRUE(bi[3].DSAlCoda);
   EXPECT_TRUE(bi[2].ToCoda);
   EXPECT_TRUE(bi[3].Coda);
+}
+
+// A data folder of its own for the tunings library.
+struct DataFolder {
+  std::filesystem::path path = std::filesystem::temp_directory_path() /
+                               ("plectaro-dialogs-" + std::to_string(std::random_device()()));
+  ~DataFolder() {
+    std::error_code ec;
+    std::filesystem::remove_all(path, ec);
+  }
+};
+
+TEST(TrackDialogs, PropertiesTuneDropDWithACapoAndCancelKeepsAll) {
+  Fixture f;
+  DataFolder data;
+  answerNextDialog([](QDialog* d) {
+    auto* presets = d->findChild<QComboBox*>("cmbPresets");
+    const int dropD = presets->findText("Dropped D");
+    ASSERT_GT(dropD, 0);
+    presets->setCurrentIndex(dropD);
+    emit presets->activated(dropD);  // as a click on the entry does
+    d->findChild<QSpinBox*>("txtCapo")->setValue(2);
+    d->findChild<QListWidget*>("lstInstrument")->setCurrentRow(29);
+  }, true);
+  mnuTrackProperties_Click(nullptr, f.ctx, data.path);
+  const Track& t = f.doc.score.Tracks[0];
+  EXPECT_EQ(GetStringPitch(5) + t.Tuning.Offset[5], 38);
+  EXPECT_EQ(t.Capo, 2);
+  EXPECT_EQ(t.Instrument, 29);
+  EXPECT_EQ(t.InstrumentName, "E. Guitar (OD)");
+
+  const Score before = f.doc.score;
+  answerNextDialog([](QDialog* d) { d->findChild<QLineEdit*>("txtName")->setText("Changed"); }, false);
+  mnuTrackProperties_Click(nullptr, f.ctx, data.path);
+  EXPECT_EQ(f.doc.score, before);
+}
+
+TEST(TrackDialogs, AddADrumTrackThenMuteAndSoloInTheMixTable) {
+  Fixture f;
+  DataFolder data;
+  answerNextDialog([](QDialog* d) {
+    d->findChild<QLineEdit*>("txtName")->setText("Drums");
+    d->findChild<QCheckBox*>("chkDrum")->setChecked(true);
+  }, true);
+  mnuTrackAdd_Click(nullptr, f.ctx, data.path);
+  ASSERT_EQ(f.doc.score.Tracks.size(), 2u);
+  EXPECT_EQ(f.doc.score.Tracks[1].Channel, 9);
+  EXPECT_EQ(f.doc.score.Tracks[1].Bars.size(), f.doc.score.BarInfos.size());
+  EXPECT_EQ(f.doc.CursorTrack, 1);
+
+  MixTable mix(f.ctx, nullptr);
+  std::vector<bool> heard;
+  mix.onMixChanged = [&](const std::vector<bool>& s) { heard = s; };
+  mix.refresh();
+  ASSERT_EQ(mix.grdMix->rowCount(), 2);
+  static_cast<QSpinBox*>(mix.grdMix->cellWidget(0, MixTable::kVolume))->setValue(80);
+  EXPECT_EQ(f.doc.score.Tracks[0].Volume, 80);
+  mix.findChild<QCheckBox*>("chkSolo1")->setChecked(true);
+  EXPECT_EQ(heard, (std::vector<bool>{true, false}));
+  mix.findChild<QCheckBox*>("chkMute1")->setChecked(true);
+  EXPECT_EQ(heard, (std::vector<bool>{true, true}));
+  mix.findChild<QCheckBox*>("chkSolo1")->setChecked(false);
+  EXPECT_EQ(heard, (std::vector<bool>{false, true}));
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 // Track commands, the Operations menu and go-to points, driven as the dialogs drive them.
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -241,6 +242,43 @@ TEST(GotoPoints, AddListGoAndDelete) {
   EXPECT_TRUE(DeleteGotoPoint(e.ctx, "Bridge"));
   ASSERT_EQ(GotoPoints(e.doc.score).size(), 1u);
   EXPECT_EQ(GotoPoints(e.doc.score)[0].name, "Chorus");
+}
+
+TEST(TrackCommands, OneUndoTakesBackEachDialogsWholeChange) {
+  Editor e;
+  e.doc.score.SetBarCount(2);
+  e.doc.score.SetBeatCount(0, 0, 1);  // a note and a rest
+  setFrets(e.doc, 0, 0, 0, {"0", "3", "", "", "", "0"});
+  AddTrack(e.ctx, NewTrackSetup("Bass", false, 33, "Fingered Bass", TuningInfo{}));
+  e.doc.CursorTrack = 0;
+  struct Step {
+    const char* name;
+    std::function<void()> run;
+  };
+  Track dropD = e.doc.score.Tracks[0];
+  dropD.Tuning.Offset[5] = -2;
+  dropD.Capo = 2;
+  const std::vector<Step> steps = {
+      {"add", [&] { AddTrack(e.ctx, NewTrackSetup("Drums", true, 0, "", TuningInfo{})); }},
+      {"delete", [&] { e.prompter.push(true); DeleteTrack(e.ctx); }},
+      {"properties", [&] { ApplyTrackProperties(e.ctx, 0, dropD); }},
+      {"transpose", [&] { Transpose(e.ctx, {0, 1}, -14); }},
+      {"fix all", [&] { mnuFixAllBars_Click(e.ctx); }},
+      {"rests", [&] { e.prompter.push(true); mnuOperationsRemoveRests_Click(e.ctx); }},
+      {"lines", [&] { SetTrackLyrics(e.ctx, 0, {"la la", "", "", "", "lo"}); }},
+      {"go-to", [&] { AddGotoPoint(e.ctx, "Verse"); }},
+      {"volume", [&] { SetTrackVolume(e.ctx, 1, 90); }},
+  };
+  for (const Step& step : steps) {
+    SCOPED_TRACE(step.name);
+    const Score before = e.doc.score;
+    const int16_t track = e.doc.CursorTrack;
+    step.run();
+    EXPECT_FALSE(e.doc.score == before);
+    mnuEditUndo_Click(e.ctx);
+    EXPECT_EQ(e.doc.score, before);
+    EXPECT_EQ(e.doc.CursorTrack, track);
+  }
 }
 
 }  // namespace

@@ -18,29 +18,12 @@
 #include <array>
 #include <optional>
 
+#include "editing/ui/dialog_parts.h"
 #include "rendering/notation.h"
 
 namespace plectaro {
 
 namespace {
-
-QDialogButtonBox* okCancel(QDialog* d) {
-  auto* box = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, d);
-  box->button(QDialogButtonBox::Ok)->setObjectName("cmdOK");
-  box->button(QDialogButtonBox::Cancel)->setObjectName("cmdCancel");
-  QObject::connect(box, &QDialogButtonBox::accepted, d, &QDialog::accept);
-  QObject::connect(box, &QDialogButtonBox::rejected, d, &QDialog::reject);
-  return box;
-}
-
-QStringList trackNames(const Score& s) {
-  QStringList names;
-  for (size_t t = 0; t < s.Tracks.size(); ++t) {
-    const std::string& n = s.Tracks[t].Name;
-    names << (n.empty() ? QString("Track %1").arg(t + 1) : QString::fromStdString(n));
-  }
-  return names;
-}
 
 QStringList barNames(const Score& s) {
   QStringList names;

@@ -98,19 +98,9 @@ std::vector<MenuCommand> EditingMenuCommands(QWidget* parent, EditContext& ctx) 
   return m;
 }
 
-void ConnectEditingMenus(const std::function<QAction*(const QString& name)>& find, QWidget* parent,
-                         EditContext& ctx) {
-  if (!ctx.hooks.askRepeatCount) ctx.hooks.askRepeatCount = [parent] { return AskRepeatCount(parent); };
-  // The Edit menu follows every step at once, not only at the next paint.
-  if (!ctx.hooks.undoChanged) {
-    const EditContext* c = &ctx;
-    ctx.hooks.undoChanged = [find, c] { UpdateUndoMenus(find, *c); };
-  }
-  // Undo and Redo name their step after the caption of the language file; remember that
-  // caption each time the texts were (re)loaded.
-  for (const char* n : {"mnuEditUndo", "mnuEditRedo"})
-    if (QAction* a = find(QString::fromLatin1(n))) a->setProperty("plectaroCaption", a->text());
-  for (MenuCommand& cmd : EditingMenuCommands(parent, ctx)) {
+void ConnectMenuCommands(const std::function<QAction*(const QString& name)>& find,
+                         std::vector<MenuCommand> commands) {
+  for (MenuCommand& cmd : commands) {
     QAction* a = find(QString::fromLatin1(cmd.name));
     if (!a) continue;
     if (cmd.keys) {
@@ -129,6 +119,21 @@ void ConnectEditingMenus(const std::function<QAction*(const QString& name)>& fin
     a->setEnabled(true);
     QObject::connect(a, &QAction::triggered, a, [run = std::move(cmd.run)] { run(); });
   }
+}
+
+void ConnectEditingMenus(const std::function<QAction*(const QString& name)>& find, QWidget* parent,
+                         EditContext& ctx) {
+  if (!ctx.hooks.askRepeatCount) ctx.hooks.askRepeatCount = [parent] { return AskRepeatCount(parent); };
+  // The Edit menu follows every step at once, not only at the next paint.
+  if (!ctx.hooks.undoChanged) {
+    const EditContext* c = &ctx;
+    ctx.hooks.undoChanged = [find, c] { UpdateUndoMenus(find, *c); };
+  }
+  // Undo and Redo name their step after the caption of the language file; remember that
+  // caption each time the texts were (re)loaded.
+  for (const char* n : {"mnuEditUndo", "mnuEditRedo"})
+    if (QAction* a = find(QString::fromLatin1(n))) a->setProperty("plectaroCaption", a->text());
+  ConnectMenuCommands(find, EditingMenuCommands(parent, ctx));
 }
 
 void UpdateEditingMenus(const std::function<QAction*(const QString& name)>& find, const EditContext& ctx) {

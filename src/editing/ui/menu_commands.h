@@ -32,6 +32,10 @@ std::vector<MenuCommand> EditingMenuCommands(QWidget* parent, EditContext& ctx);
 void ConnectEditingMenus(const std::function<QAction*(const QString& name)>& find, QWidget* parent,
                          EditContext& ctx);
 
+// The connecting of ConnectEditingMenus for any list of commands.
+void ConnectMenuCommands(const std::function<QAction*(const QString& name)>& find,
+                         std::vector<MenuCommand> commands);
+
 // The check marks and the enabled state that follow the cursor and the undo ring: Repeat
 // Open / Repeat Close of the cursor's bar, Apply to the Whole Chord, Undo. Call after a draw.
 void UpdateEditingMenus(const std::function<QAction*(const QString& name)>& find, const EditContext& ctx);

@@ -125,6 +125,36 @@ void Player::playTrainer(const Document& doc, const SpeedTrainer& trainer) {
   start(doc, [&] { scheduler_->PlayTrainer(snapshot_, trainer); });
 }
 
+void Player::setMix(const Score& score, const std::vector<bool>& silenced) {
+  options_.Silenced = silenced;
+  if (!scheduler_->playing()) return;
+  std::vector<bool> was = scheduler_->options.Silenced;
+  scheduler_->options.Silenced = silenced;
+  // Only the sound fields change under the running scheduler; bars stay as they were taken.
+  if (snapshot_.Tracks.size() == score.Tracks.size()) {
+    for (size_t t = 0; t < score.Tracks.size(); ++t) {
+      Track& playing = snapshot_.Tracks[t];
+      const Track& now = score.Tracks[t];
+      if (playing.Channel != now.Channel || playing.EffectChannel != now.EffectChannel) {
+        MIDIChannelNotesOff(*out_, playing.Channel);
+        MIDIChannelNotesOff(*out_, playing.EffectChannel);
+      }
+      playing.Volume = now.Volume;
+      playing.Instrument = now.Instrument;
+      playing.InstrumentName = now.InstrumentName;
+      playing.Channel = now.Channel;
+      playing.EffectChannel = now.EffectChannel;
+    }
+  }
+  for (size_t t = 0; t < silenced.size() && t < snapshot_.Tracks.size(); ++t) {
+    const bool before = t < was.size() && was[t];
+    if (silenced[t] && !before) {
+      MIDIChannelNotesOff(*out_, snapshot_.Tracks[t].Channel);
+      MIDIChannelNotesOff(*out_, snapshot_.Tracks[t].EffectChannel);
+    }
+  }
+}
+
 void Player::start(const Document& doc, const std::function<void()>& begin) {
   tmrStop_->setEnabled(false);
   if (scheduler_->playing()) scheduler_->StopTab();

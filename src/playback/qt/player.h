@@ -72,6 +72,11 @@ class Player : public QObject {
   void soundBeat(const Document& doc, int track, int bar, int beat);
   void soundChordDiagram(const Track& track, const BeatChord& chord);
 
+  // The mix table changed: the sound fields of each track (volume, instrument, channels) of
+  // `score` go into the song that plays, and the silenced tracks stop at once. Also kept for
+  // the next start.
+  void setMix(const Score& score, const std::vector<bool>& silenced);
+
   // Follow playback, count-in, metronome, output bank. Read at each start.
   PlaybackOptions& options() { return options_; }
   MidiOut& midi() { return *out_; }

@@ -179,7 +179,6 @@ void MainWindow::buildMenus() {
   item(file, "mnuFilePrintPreview");
   item(file, "mnuFilePrint", nullptr, QKeySequence(Qt::CTRL | Qt::Key_P));
   file->addSeparator();
-  item(file, "mnuFileUpload");
   item(file, "mnuFileProperties", [this] { mnuFileProperties_Click(); },
        QKeySequence(Qt::ALT | Qt::Key_Return));
   file->addSeparator();
@@ -297,11 +296,13 @@ void MainWindow::buildMenus() {
   none->setEnabled(false);
 
   QMenu* tools = menu(nullptr, "mnuTools");
+  // Only tools that exist or are being built stand here; the upload, the band manager, the
+  // glossary, the websites, the lessons, random backing and music paper have no plan yet and
+  // stay out of the menus until they do.
   for (const char* n :
        {"mnuToolsChordManager", "mnuToolsScaleManager", "mnuToolsTuner", "mnuToolsDrumMachine",
         "mnuToolsMetronome", "mnuToolsFretboardKnowledge", "mnuToolsPitchPerfector",
-        "mnuToolsDrumBeatGenerator", "mnuToolsRandomBacking", "mnuToolsLessons",
-        "mnuToolsBandManager", "mnuToolsMusicPaper", "mnuToolsGlossary", "mnuToolsWebsites"})
+        "mnuToolsDrumBeatGenerator"})
     item(tools, n);
   tools->addSeparator();
   item(tools, "mnuToolsOptions", [this] { mnuToolsOptions_Click(); });
