@@ -24,6 +24,7 @@ struct PlaybackOptions {
   bool Metronome = false;
   int16_t OutputBank = 0;
   int CurrentTrack = 0;  // the track shown in the window, whose beats move the marker
+  EffectSettings Effects;
 };
 
 struct SpeedTrainer {
@@ -59,6 +60,9 @@ class Scheduler {
   void PlayTrainer(const Score& score, const SpeedTrainer& trainer);
   // Ends playback from any state and silences every channel. Safe to call when idle.
   void StopTab();
+  // Sounds one beat with its effects at once, outside playback (an effect editor's Play).
+  // The beat is read at the call; nothing of `score` is kept.
+  void SoundBeat(const Score& score, int track, int bar, int beat);
 
   PlayState state() const { return state_; }
   bool playing() const { return state_ != PlayState::Idle; }
@@ -88,6 +92,7 @@ class Scheduler {
   // Strokes: the held-back notes of each track's strummed beat, sounded one per firing.
   std::unique_ptr<HiPreTimer> tmrStrum_;
   std::vector<Strum> strums_;
+  EffectPlayer effects_;
   const Score* score_ = nullptr;
   PlayState state_ = PlayState::Idle;
   bool stopRequested_ = false;
