@@ -158,6 +158,11 @@ void Scheduler::SoundBeat(const Score& score, int track, int bar, int beat) {
   PlayChord(soundOut(), score, track, bar, beat, true, false, nullptr, &effects_);
 }
 
+void Scheduler::SilenceBeat() {
+  effects_.stopAll();
+  MIDIAllNotesOff(out_);
+}
+
 void Scheduler::PlayTimer_Timer() {
   if (!playing() || !score_) return;
   if (state_ == PlayState::CountIn && playTimer_->Enabled()) state_ = PlayState::Playing;

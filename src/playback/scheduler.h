@@ -24,7 +24,7 @@ struct PlaybackOptions {
   bool Metronome = false;
   int16_t OutputBank = 0;
   int CurrentTrack = 0;  // the track shown in the window, whose beats move the marker
-  EffectSettings Effects;
+  EffectSettings Effects = {};
 };
 
 struct SpeedTrainer {
@@ -63,6 +63,8 @@ class Scheduler {
   // Sounds one beat with its effects at once, outside playback (an effect editor's Play).
   // The beat is read at the call; nothing of `score` is kept.
   void SoundBeat(const Score& score, int track, int bar, int beat);
+  // Ends what SoundBeat started: its effects, its notes, the wheel.
+  void SilenceBeat();
 
   PlayState state() const { return state_; }
   bool playing() const { return state_ != PlayState::Idle; }

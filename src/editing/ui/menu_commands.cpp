@@ -110,7 +110,12 @@ void ConnectEditingMenus(const std::function<QAction*(const QString& name)>& fin
   // caption each time the texts were (re)loaded.
   for (const char* n : {"mnuEditUndo", "mnuEditRedo"})
     if (QAction* a = find(QString::fromLatin1(n))) a->setProperty("plectaroCaption", a->text());
-  for (MenuCommand& cmd : EditingMenuCommands(parent, ctx)) {
+  ConnectMenuCommands(find, EditingMenuCommands(parent, ctx));
+}
+
+void ConnectMenuCommands(const std::function<QAction*(const QString& name)>& find,
+                         std::vector<MenuCommand> commands) {
+  for (MenuCommand& cmd : commands) {
     QAction* a = find(QString::fromLatin1(cmd.name));
     if (!a) continue;
     if (cmd.keys) {

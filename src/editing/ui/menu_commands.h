@@ -32,6 +32,11 @@ std::vector<MenuCommand> EditingMenuCommands(QWidget* parent, EditContext& ctx);
 void ConnectEditingMenus(const std::function<QAction*(const QString& name)>& find, QWidget* parent,
                          EditContext& ctx);
 
+// Connects and enables the items of `commands` that `find` returns, with their keys in the
+// captions; the worker of ConnectEditingMenus, for other groups of items.
+void ConnectMenuCommands(const std::function<QAction*(const QString& name)>& find,
+                         std::vector<MenuCommand> commands);
+
 // The check marks and the enabled state that follow the cursor and the undo ring: Repeat
 // Open / Repeat Close of the cursor's bar, Apply to the Whole Chord, Undo. Call after a draw.
 void UpdateEditingMenus(const std::function<QAction*(const QString& name)>& find, const EditContext& ctx);
