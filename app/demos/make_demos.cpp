@@ -334,7 +334,7 @@ Score effects() {
   text(1, 3, "Slide into");
 
   // Trill and tremolo picking.
-  setBar(s, 0, 2, {{kHalf, ". 5"}, {kQuarter, "12"}, {kQuarter, ". . 9"}});
+  setBar(s, 0, 2, {{kQuarter, ". 5"}, {kQuarter, "12"}, {kQuarter, ". . 9"}, {kQuarter, ". . 7"}});
   n = &note(s, 0, 2, 0, 1);
   n->HasTrill = true;
   n->Trill = {7, 1};

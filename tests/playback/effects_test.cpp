@@ -4,7 +4,15 @@
 #include <string>
 #include <vector>
 
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+
 #include "playback/effects.h"
+#include "score/document.h"
+#include "score/file_io.h"
+#include "score/music_file.h"
+#include "score/settings_store.h"
 #include "playback/offline_play.h"
 #include "playback/scheduler.h"
 #include "playback/virtual_clock.h"
@@ -280,6 +288,19 @@ TEST(Effects, PlanMessagesCarryTheirTimes) {
   const EffectPlan p = PlanVibrato(3, 62.5, 16, false, {7.9, 4, 12, 2});
   const auto msgs = EffectMessages(p, 100);
   EXPECT_EQ(msgs, (std::vector<MidiMessage>{{100, 0xE3, 0, 62}, {600, 0xE3, 0, 70}, {600, 0xE3, 0, 64}}));
+}
+
+// The demo song of every effect, traced; the golden file was read through by hand once (each
+// effect's run of notes or wheel values at its beat). PLECTARO_UPDATE_GOLDEN=1 writes it anew.
+TEST(Effects, DemoSongTraceIsGolden) {
+  Document doc;
+  MemorySettingsStore settings;
+  ASSERT_EQ(OpenMusicFile(doc, PLECTARO_SOURCE_DIR "/data/examples/effects.plm", settings), OpenOutcome::Opened);
+  std::ostringstream trace;
+  for (const MidiMessage& m : Trace(doc.score)) trace << FormatTraceLine(m) << "\n";
+  const std::string golden = PLECTARO_SOURCE_DIR "/tests/data/effects_trace.txt";
+  if (std::getenv("PLECTARO_UPDATE_GOLDEN")) WriteFileAtomically(golden, trace.str());
+  EXPECT_EQ(trace.str(), ReadWholeFile(golden));
 }
 
 }  // namespace
