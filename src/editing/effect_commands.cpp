@@ -92,15 +92,16 @@ void setPointAt(std::array<double, N>& curve, double x, double y, double width, 
 }
 
 // Runs a change of the cursor's slot that needs a fret there, and sounds the beat after.
-void onNote(EditContext& ctx, const std::function<void(NoteSlot&)>& change) {
+// `step` names the undo step, as the Edit menu shows it.
+void onNote(EditContext& ctx, std::string_view step, const std::function<void(NoteSlot&)>& change) {
   if (RunCommand(ctx, [&] {
         if (CursorSlot(ctx.doc).hasNote()) change(CursorSlotMut(ctx.doc));
-      }))
+      }, step))
     ctx.playBeat();
 }
 
-void onBeat(EditContext& ctx, const std::function<void(Beat&)>& change, bool sound) {
-  if (RunCommand(ctx, [&] { change(CursorBeatMut(ctx.doc)); }) && sound) ctx.playBeat();
+void onBeat(EditContext& ctx, std::string_view step, const std::function<void(Beat&)>& change, bool sound) {
+  if (RunCommand(ctx, [&] { change(CursorBeatMut(ctx.doc)); }, step) && sound) ctx.playBeat();
 }
 
 Score withSlot(const Document& doc, const std::function<void(NoteSlot&)>& change) {
@@ -162,21 +163,21 @@ void SetTremoloPointAt(TremoloCurve& curve, double x, double y, double width, do
 }
 
 void ApplyBend(EditContext& ctx, const BendInfo& bend) {
-  onNote(ctx, [&](NoteSlot& n) {
+  onNote(ctx, "Bend", [&](NoteSlot& n) {
     n.Bend.mut() = bend;
     n.HasBend = true;
   });
 }
 
 void ClearBend(EditContext& ctx) {
-  onNote(ctx, [](NoteSlot& n) {
+  onNote(ctx, "Bend", [](NoteSlot& n) {
     n.Bend.mut() = BendInfo();
     n.HasBend = false;
   });
 }
 
 void ApplyTremoloBar(EditContext& ctx, const TremoloBarInfo& bar) {
-  onBeat(ctx, [&](Beat& b) {
+  onBeat(ctx, "Tremolo Bar", [&](Beat& b) {
     if (b.isRest()) return;
     b.TremoloBar.mut() = bar;
     b.HasTremoloBar = true;
@@ -184,42 +185,42 @@ void ApplyTremoloBar(EditContext& ctx, const TremoloBarInfo& bar) {
 }
 
 void ClearTremoloBar(EditContext& ctx) {
-  onBeat(ctx, [](Beat& b) {
+  onBeat(ctx, "Tremolo Bar", [](Beat& b) {
     b.TremoloBar.mut() = TremoloBarInfo();
     b.HasTremoloBar = false;
   }, true);
 }
 
 void ApplyTrill(EditContext& ctx, const TrillInfo& trill) {
-  onNote(ctx, [&](NoteSlot& n) {
+  onNote(ctx, "Trill", [&](NoteSlot& n) {
     n.Trill = trill;
     n.HasTrill = true;
   });
 }
 
 void ClearTrill(EditContext& ctx) {
-  onNote(ctx, [](NoteSlot& n) {
+  onNote(ctx, "Trill", [](NoteSlot& n) {
     n.Trill = TrillInfo();
     n.HasTrill = false;
   });
 }
 
 void ApplyGrace(EditContext& ctx, const GraceInfo& grace) {
-  onNote(ctx, [&](NoteSlot& n) {
+  onNote(ctx, "Grace Note", [&](NoteSlot& n) {
     n.Grace = grace;
     n.HasGrace = true;
   });
 }
 
 void ClearGrace(EditContext& ctx) {
-  onNote(ctx, [](NoteSlot& n) {
+  onNote(ctx, "Grace Note", [](NoteSlot& n) {
     n.Grace = GraceInfo();
     n.HasGrace = false;
   });
 }
 
 void ApplyText(EditContext& ctx, const std::string& text) {
-  onBeat(ctx, [&](Beat& b) { b.Text = text; }, false);
+  onBeat(ctx, "Text", [&](Beat& b) { b.Text = text; }, false);
 }
 
 Score WithBend(const Document& doc, const BendInfo& bend) {
