@@ -77,6 +77,60 @@ void BM_PlayStep(benchmark::State& state) {
 }
 BENCHMARK(BM_PlayStep);
 
+// Six tracks of quarter notes at tempo 240, every beat moving the wheel: bends (a 1 ms
+// interval at this tempo, 261 firings each) on even beats, vibrato on odd ones. One iteration
+// is one 64th step of playing time: the step itself and every effect firing due within it.
+Score SixTracksBending() {
+  Score s;
+  s.Tempo = 240;
+  s.Tracks.resize(6);
+  s.SetBarCount(31);
+  BendInfo bend;
+  for (size_t i = 0; i < bend.Points.size(); ++i) bend.Points[i] = i < 8 ? static_cast<double>(i) / 2 : 4;
+  for (int t = 0; t < 6; ++t) {
+    Track& tr = s.Tracks[static_cast<size_t>(t)];
+    tr.Channel = static_cast<int16_t>(2 * t);
+    tr.EffectChannel = static_cast<int16_t>(2 * t + 1);
+    for (int b = 0; b < 32; ++b) {
+      auto& beats = s.barMut(t, b).Beats;
+      beats.assign(4, Beat());
+      for (size_t k = 0; k < 4; ++k) {
+        Beat& beat = beats[k];
+        beat.Length = kQuarter;
+        beat.Notes[0].Fret = "7";
+        beat.Notes[1].Fret = "8";
+        if (k % 2 == 0) {
+          beat.Notes[0].HasBend = true;
+          beat.Notes[0].Bend.mut() = bend;
+        } else {
+          beat.ChordTechnique = kWideVibrato;
+        }
+      }
+    }
+  }
+  return s;
+}
+
+void BM_StepWithEffects(benchmark::State& state) {
+  const Score s = SixTracksBending();
+  VirtualClock clock;
+  CountingOut out;
+  Scheduler sch(out, clock);
+  sch.PlayTab(s, 0, 31);
+  const int32_t step = IntervalForTempo(s.Tempo);
+  for (auto _ : state) {
+    clock.advanceBy(step);
+    if (!sch.playing()) {
+      state.PauseTiming();
+      sch.PlayTab(s, 0, 31);
+      state.ResumeTiming();
+    }
+  }
+  state.counters["messages_per_step"] =
+      benchmark::Counter(static_cast<double>(out.count), benchmark::Counter::kAvgIterations);
+}
+BENCHMARK(BM_StepWithEffects);
+
 }  // namespace
 
 BENCHMARK_MAIN();

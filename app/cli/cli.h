@@ -19,6 +19,10 @@
 #include "score/settings_store.h"
 #include "shell/app_folder.h"
 
+namespace plectaro {
+struct PlaybackOptions;
+}
+
 namespace plectaro::cli {
 
 // Wrong usage: exit 2 with the usage line of the verb.
@@ -83,6 +87,11 @@ std::string ExtensionOf(const std::filesystem::path& path);
 // Loads any known kind into a fresh document; InputError for an unknown kind or a bad file.
 // The path "-" is standard input, read by the loader registered for "-".
 Document LoadDocument(Context& ctx, const std::filesystem::path& path);
+// Playback as the user set it up in the editor: count-in, metronome and the effect settings of
+// the app folder's PL4.ini, with --count-in and --metronome switching those on besides. With no
+// PL4.ini yet, count-in and metronome are off unless asked for: a batch run does not click
+// through a count-in that nobody chose. Defined with the playback verbs.
+PlaybackOptions UserPlaybackOptions(const Context& ctx, bool countIn, bool metronome);
 // Saves through the saver of the path's extension; InputError for an unknown kind.
 void SaveDocument(Context& ctx, const Document& doc, const std::filesystem::path& path, const Args& args);
 

@@ -63,9 +63,7 @@ void saveWav(Context& ctx, const Document& doc, const std::filesystem::path& pat
   job.Bits = intOption(args, "--bits", 16, {8, 16});
   if (!WaveFormatSupported(job.Rate, job.Channels, job.Bits))
     throw InputError("--rate " + std::to_string(job.Rate) + ": the wave writer takes 4000 to 96000 samples a second");
-  job.Options.FollowPlayback = false;
-  job.Options.CountIn = args.has("--count-in");
-  job.Options.Metronome = args.has("--metronome");
+  job.Options = UserPlaybackOptions(ctx, args.has("--count-in"), args.has("--metronome"));
   job.SoundFont = FindSoundFont(&ctx.settings);
   // Progress on a terminal only, so that scripts and logs stay clean.
   if (::isatty(STDERR_FILENO)) {

@@ -13,6 +13,7 @@
 #include "playback/output_devices.h"
 #include "playback/qt/qt_clock.h"
 #include "playback/scheduler.h"
+#include "shell/ini_settings.h"
 
 namespace plectaro::cli {
 
@@ -91,10 +92,7 @@ int runPlay(Context& ctx, const Args& args) {
       throw InputError("--track " + std::to_string(track) + ": the song has tracks 1 to " + std::to_string(score.LastTrack() + 1));
     score = soloTrack(score, track - 1);
   }
-  PlaybackOptions options;
-  options.FollowPlayback = false;
-  options.CountIn = args.has("--count-in");
-  options.Metronome = args.has("--metronome");
+  const PlaybackOptions options = UserPlaybackOptions(ctx, args.has("--count-in"), args.has("--metronome"));
 
   if (args.has("--trace")) {
     try {
@@ -115,5 +113,19 @@ const Registrar verbPlay(Verb{
     runPlay});
 
 }  // namespace
+
+PlaybackOptions UserPlaybackOptions(const Context& ctx, bool countIn, bool metronome) {
+  PlaybackOptions options;
+  options.FollowPlayback = false;
+  options.CountIn = countIn;
+  options.Metronome = metronome;
+  IniSettings ini;
+  if (LoadINISettings(ini, ctx.app.iniFile())) {
+    options.CountIn = options.CountIn || ini.CountIn;
+    options.Metronome = options.Metronome || ini.Metronome;
+    options.Effects = {ini.BendCoefficient, ini.VibratoBend, ini.WideVibratoBend, ini.VibratoCount};
+  }
+  return options;
+}
 
 }  // namespace plectaro::cli

@@ -273,6 +273,140 @@ Score waltz() {
   return s;
 }
 
+
+// ------------------------------------------------------ Effects: every effect, one after another
+// Each beat names its effect in its text, so the page reads as a key to the signs.
+BendInfo bendCurve(std::initializer_list<double> points) {
+  BendInfo b;
+  size_t i = 0;
+  double last = 0;
+  for (double p : points) {
+    if (i < b.Points.size()) b.Points[i++] = p;
+    last = p;
+  }
+  for (; i < b.Points.size(); ++i) b.Points[i] = last;
+  return b;
+}
+
+Score effects() {
+  Score s;
+  s.Title = "Effects Showcase";
+  s.SubTitle = "Every effect the editor can play";
+  s.TabAuthor = "Plectaro";
+  s.Instructions = "Listen with the built-in synthesizer; each beat names its effect.";
+  s.Tempo = 90;
+  Track& g = s.Tracks[0];
+  g.Name = "Guitar";
+  g.InstrumentName = "Overdriven Guitar";
+  g.Instrument = 29;
+  g.Volume = 100;
+  s.SetBarCount(7);
+  auto text = [&](int b, int k, const char* t) { s.beatMut(0, b, k).Text = t; };
+
+  // Bends and vibrato.
+  setBar(s, 0, 0, {{kQuarter, ". . 7"}, {kQuarter, ". 8"}, {kQuarter, ". . 9"}, {kQuarter, "5"}});
+  NoteSlot* n = &note(s, 0, 0, 0, 2);
+  n->HasBend = true;
+  n->Bend.mut() = bendCurve({0, 0.5, 1, 1.5, 2, 2.5, 3, 3.5, 4});
+  n = &note(s, 0, 0, 1, 1);
+  n->HasBend = true;
+  n->Bend.mut() = bendCurve({0, 1, 2, 3, 4, 4, 4, 4, 4, 4, 4, 4, 4, 4, 3, 2, 1, 0});
+  n->Bend.mut().PresetIndex = 5;
+  n = &note(s, 0, 0, 2, 2);
+  n->HasBend = true;
+  n->Bend.mut() = bendCurve({2});
+  n->Bend.mut().PresetIndex = 6;
+  s.beatMut(0, 0, 3).ChordTechnique = kVibrato;
+  text(0, 0, "Full bend");
+  text(0, 1, "Bend and release");
+  text(0, 2, "Pre-bend");
+  text(0, 3, "Vibrato");
+
+  // Slides.
+  setBar(s, 0, 1, {{kQuarter, ". . 5"}, {kQuarter, ". . 9"}, {kQuarter, ". . 7"}, {kQuarter, ". 7"}});
+  note(s, 0, 1, 0, 2).Technique = kSlideUp;
+  note(s, 0, 1, 1, 2).Technique = kLegatoSlide;
+  note(s, 0, 1, 2, 2).Technique = kSlideDown;
+  note(s, 0, 1, 3, 1).Technique = kSlideIntoUp;
+  text(1, 0, "Slide up");
+  text(1, 1, "Legato slide");
+  text(1, 2, "Slide out");
+  text(1, 3, "Slide into");
+
+  // Trill and tremolo picking.
+  setBar(s, 0, 2, {{kQuarter, ". 5"}, {kQuarter, "12"}, {kQuarter, ". . 9"}, {kQuarter, ". . 7"}});
+  n = &note(s, 0, 2, 0, 1);
+  n->HasTrill = true;
+  n->Trill = {7, 1};
+  note(s, 0, 2, 1, 0).Technique = kTremoloPicking16;
+  note(s, 0, 2, 2, 2).Technique = kTremoloPicking32;
+  text(2, 0, "Trill");
+  text(2, 1, "Tremolo picking");
+  s.beatMut(0, 2, 3).ChordTechnique = kWideVibrato;
+  text(2, 3, "Wide vibrato");
+
+  // Grace notes.
+  setBar(s, 0, 3, {{kQuarter, ". . 7"}, {kQuarter, ". . 9"}, {kQuarter, ". 8"}, {kQuarter, ". . . 7"}});
+  n = &note(s, 0, 3, 0, 2);
+  n->HasGrace = true;
+  n->Grace = {"5", 1, 0, kGraceHammer};
+  n = &note(s, 0, 3, 1, 2);
+  n->HasGrace = true;
+  n->Grace = {"7", 0, 0, kGraceSlide};
+  n = &note(s, 0, 3, 2, 1);
+  n->HasGrace = true;
+  n->Grace = {"x", 2, 5, kGraceNone};
+  note(s, 0, 3, 3, 3).Technique = kHammerOnPullOff;
+  text(3, 0, "Grace, hammer");
+  text(3, 1, "Grace, slide");
+  text(3, 2, "Dead grace");
+  text(3, 3, "Hammer-on");
+
+  // Harmonics.
+  setBar(s, 0, 4, {{kEighth, "12 12 12"}, {kEighth, ". . 7"}, {kEighth, ". . . 5"}, {kEighth, "5"},
+                   {kEighth, ". 7"}, {kEighth, ". . 9"}, {kQuarter, ". 10"}});
+  for (int str = 0; str < 3; ++str) note(s, 0, 4, 0, str).Harmonic = kNaturalHarmonic;
+  note(s, 0, 4, 1, 2).Harmonic = kNaturalHarmonic;
+  note(s, 0, 4, 2, 3).Harmonic = kNaturalHarmonic;
+  note(s, 0, 4, 3, 0).Harmonic = kTappedHarmonic;
+  note(s, 0, 4, 4, 1).Harmonic = kArtificialHarmonic12;
+  note(s, 0, 4, 5, 2).Harmonic = kPitchHarmonic;
+  note(s, 0, 4, 6, 1).Harmonic = kSemiHarmonic;
+  text(4, 0, "Harmonics");
+
+  // The tremolo bar on a chord, strokes.
+  setBar(s, 0, 5, {{kHalf, ". . 9 9 7"}, {kQuarter, "0 0 1 2 2 0"}, {kQuarter, "0 0 1 2 2 0"}});
+  Beat& dip = s.beatMut(0, 5, 0);
+  dip.HasTremoloBar = true;
+  TremoloBarInfo& bar = dip.TremoloBar.mut();
+  for (size_t i = 0; i < bar.Points.size(); ++i)
+    bar.Points[i] = i <= 6 ? -static_cast<double>(i) * 4 / 6 : i <= 12 ? -4 + static_cast<double>(i - 6) * 4 / 6 : 0;
+  bar.Label = "2";
+  s.beatMut(0, 5, 1).Stroke = kDownStroke;
+  s.beatMut(0, 5, 2).Stroke = kUpStroke;
+  text(5, 0, "Tremolo bar dip");
+  text(5, 1, "Strokes");
+
+  // Touch and dynamics.
+  setBar(s, 0, 6, {{kEighth, ". . . 7"}, {kEighth, ". . . 7"}, {kEighth, ". . . 5"}, {kEighth, ". . 7"},
+                   {kEighth, ". . . . 0"}, {kEighth, ". . . . 0"}, {kQuarter, ". . 7 . ."}});
+  note(s, 0, 6, 0, 3).GhostNote = true;
+  note(s, 0, 6, 1, 3).Accentuate = true;
+  note(s, 0, 6, 2, 3).Technique = kStaccato;
+  s.beatMut(0, 6, 3).ChordTechnique = kTapping;
+  for (int k : {4, 5}) s.beatMut(0, 6, k).ChordTechnique = kPalmMute;
+  note(s, 0, 6, 6, 2).LetRing = true;
+  text(6, 0, "Ghost, accent, staccato");
+  text(6, 4, "Palm mute");
+
+  // A ringing ending that fades in.
+  setBar(s, 0, 7, {{kWhole, "0 0 1 2 2 0"}});
+  s.beatMut(0, 7, 0).ChordTechnique = kFadeIn;
+  text(7, 0, "Fade in");
+  requireExactBars(s, "effects");
+  return s;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -285,6 +419,7 @@ int main(int argc, char** argv) {
     SaveMusicFile(riff(), dir / "riff.plm");
     SaveMusicFile(band(), dir / "band.plm");
     SaveMusicFile(waltz(), dir / "waltz.plm");
+    SaveMusicFile(effects(), dir / "effects.plm");
   } catch (const std::exception& e) {
     std::fprintf(stderr, "plectaro-make-demos: %s\n", e.what());
     return 1;

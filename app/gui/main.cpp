@@ -27,6 +27,7 @@
 #ifdef PLECTARO_HAVE_EDITING
 #include "editing/edit_context.h"
 #include "editing/ui/editor_input.h"
+#include "editing/ui/effect_menus.h"
 #include "editing/ui/menu_commands.h"
 #include "editing/ui/track_menus.h"
 #endif
@@ -106,6 +107,7 @@ int main(int argc, char** argv) {
   auto* input = new plectaro::EditorInput(window.view(), edit);
   auto find = [&window](const QString& name) { return window.action(name); };
   plectaro::ConnectEditingMenus(find, &window, edit);
+  plectaro::ConnectEffectMenus(find, &window, edit);
 #ifdef PLECTARO_HAVE_EXCHANGE
   plectaro::ConnectTextTabMenus(find, &window, edit, [&session] {
     return plectaro::TextExportOptions{session.ini().CopyrightWarning, session.ini().MaxLineLength};

@@ -68,7 +68,8 @@ PlaybackWiring::PlaybackWiring(MainWindow& window, Session& session, Player& pla
 
 #ifdef PLECTARO_HAVE_EDITING
   if (edit) {
-    edit->hooks.playChord = [this](int t, int b, int k) { player_.soundBeat(session_.doc(), t, b, k); };
+    edit->hooks.playChord = [this](int t, int b, int k) { player_.soundBeat(session_.doc().score, t, b, k); };
+    edit->hooks.playScoreBeat = [this](const Score& s, int t, int b, int k) { player_.soundBeat(s, t, b, k); };
     edit->hooks.isPlaying = [this] { return player_.isPlaying(); };
     edit->hooks.stopPlayback = [this] { player_.stop(); };
     edit->hooks.playFromStart = [this] {
@@ -96,6 +97,7 @@ void PlaybackWiring::applyOptions() {
   o.CountIn = ini.CountIn;
   o.Metronome = ini.Metronome;
   o.FollowPlayback = ini.AutoScroll;
+  o.Effects = {ini.BendCoefficient, ini.VibratoBend, ini.WideVibratoBend, ini.VibratoCount};
   o.CurrentTrack = session_.doc().CursorTrack;
 }
 

@@ -34,6 +34,8 @@ struct EditHooks {
   std::function<bool()> passwordCorrect;
   // Sounds beat (track, bar, beat): play as typed and the commands that change a sound.
   std::function<void(int track, int bar, int beat)> playChord;
+  // Sounds a beat of another version of the score (an effect editor's Play before OK).
+  std::function<void(const Score& score, int track, int bar, int beat)> playScoreBeat;
   std::function<bool()> isPlaying;
   std::function<void()> stopPlayback;
   std::function<void()> playFromStart;

@@ -58,7 +58,7 @@ int16_t clampI16(long v) {
 
 Scheduler::Scheduler(MidiOut& out, PlaybackClock& clock)
     : out_(out), playTimer_(clock.createTimer()), tmrMetronome_(clock.createTimer()),
-      tmrStrum_(clock.createTimer()) {
+      tmrStrum_(clock.createTimer()), effects_(out, clock) {
   playTimer_->setPeriodic(true);
   playTimer_->setResolution(1);
   playTimer_->setOnTimer([this] { PlayTimer_Timer(); });
@@ -101,6 +101,8 @@ void Scheduler::start(const Score& score, int startBar, int endBar) {
   endBar = std::clamp(endBar, startBar, lastBar);
 
   playTimer_->setInterval(IntervalForTempo(score.Tempo));
+  effects_.stopAll();
+  effects_.settings = options.Effects;
   MIDIAllNotesOff(out_);
   const size_t tracks = score.Tracks.size();
   trackElapsed_.assign(tracks, 0.0);
@@ -136,6 +138,9 @@ void Scheduler::start(const Score& score, int startBar, int endBar) {
 void Scheduler::StopTab() {
   const bool wasPlaying = playing();
   playTimer_->setEnabled(false);
+  // Unlike the all-notes-off, this also centres every wheel an effect moved: a stop in the
+  // middle of a bend must not leave the next song out of tune.
+  effects_.stopAll();
   MIDIAllNotesOff(out_);
   speedTrainerOn_ = false;
   tmrMetronome_->setEnabled(false);
@@ -145,6 +150,17 @@ void Scheduler::StopTab() {
   // Once more: a note that an effect started in between must not hang either.
   MIDIAllNotesOff(out_);
   if (wasPlaying && hooks.stopped) hooks.stopped();
+}
+
+void Scheduler::SoundBeat(const Score& score, int track, int bar, int beat) {
+  effects_.stopAll();
+  effects_.settings = options.Effects;
+  PlayChord(soundOut(), score, track, bar, beat, true, false, nullptr, &effects_);
+}
+
+void Scheduler::SilenceBeat() {
+  effects_.stopAll();
+  MIDIAllNotesOff(out_);
 }
 
 void Scheduler::PlayTimer_Timer() {
@@ -275,7 +291,8 @@ bool Scheduler::startBeat(int t, int lastTrack) {
     if (mark > 0) playTimer_->setInterval(IntervalForTempo(mark));
     const Beat& beat = (*beatsOf(s, t, cursorBar_))[static_cast<size_t>(k)];
     if (ti < options.Silenced.size() && options.Silenced[ti]) return true;
-    PlayChord(soundOut(), s, t, cursorBar_, k, false, beat.Stroke == kUpStroke, &strums_[ti]);
+    const double tempo = speedTrainerOn_ ? trainerTempo_ : s.Tempo;
+    PlayChord(soundOut(), s, t, cursorBar_, k, false, beat.Stroke == kUpStroke, &strums_[ti], &effects_, tempo);
     // Each new strum restarts the timer, so its strings keep their spacing from its first.
     if (strums_[ti].pending()) tmrStrum_->setEnabled(true);
   }

@@ -27,6 +27,7 @@ struct PlaybackOptions {
   // Tracks the mix table has muted (or left out of a solo), by track index; a track beyond
   // the list sounds. They still keep time, so unmuting brings them in at the right beat.
   std::vector<bool> Silenced;
+  EffectSettings Effects = {};
 };
 
 struct SpeedTrainer {
@@ -62,6 +63,11 @@ class Scheduler {
   void PlayTrainer(const Score& score, const SpeedTrainer& trainer);
   // Ends playback from any state and silences every channel. Safe to call when idle.
   void StopTab();
+  // Sounds one beat with its effects at once, outside playback (an effect editor's Play).
+  // The beat is read at the call; nothing of `score` is kept.
+  void SoundBeat(const Score& score, int track, int bar, int beat);
+  // Ends what SoundBeat started: its effects, its notes, the wheel.
+  void SilenceBeat();
 
   PlayState state() const { return state_; }
   bool playing() const { return state_ != PlayState::Idle; }
@@ -91,6 +97,7 @@ class Scheduler {
   // Strokes: the held-back notes of each track's strummed beat, sounded one per firing.
   std::unique_ptr<HiPreTimer> tmrStrum_;
   std::vector<Strum> strums_;
+  EffectPlayer effects_;
   const Score* score_ = nullptr;
   PlayState state_ = PlayState::Idle;
   bool stopRequested_ = false;

@@ -2,6 +2,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
+#include <vector>
+
+#include "score/bar_timing.h"
 
 namespace plectaro {
 
@@ -112,7 +116,133 @@ void PlayDrumBeat(MidiOut& out, const Score& s, int t, int b, int k) {
   }
 }
 
-void PlayChord(SoundOut so, const Score& s, int t, int b, int k, bool clearFirst, bool upward, Strum* strum) {
+int NoteChannel(const Track& tr, const Beat& beat, const NoteSlot& slot) {
+  const bool beatWheel = beat.HasTremoloBar || beat.ChordTechnique == kVibrato || beat.ChordTechnique == kWideVibrato;
+  const bool picked = slot.Technique >= kTremoloPicking8 && slot.Technique <= kTremoloPicking32;
+  if (beatWheel || slot.HasBend || slot.HasTrill || slot.HasGrace || picked) return tr.EffectChannel;
+  return tr.Channel;
+}
+
+int NaturalHarmonicKey(int openKey, int fret) {
+  switch (fret) {
+    case 12: return openKey + 12;
+    case 7: case 19: return openKey + 19;
+    case 5: case 24: return openKey + 24;
+    case 4: case 9: case 16: return openKey + 28;
+    case 3: return openKey + 31;
+    default: return openKey + fret;
+  }
+}
+
+namespace {
+
+// The rules by which effects that the stored records leave open are played.
+//
+// Slides out of a note (Slide Up, Slide Down, Legato Slide) hold the note for the first half
+// of the beat, then run in semitones over the second half towards the next note on the string,
+// stopping one semitone short of it: the next beat lands on the target itself. With no next
+// note in its direction (Legato: in either direction), Slide Up and Slide Down fall away by
+// kSlideOutSemitones, as a slide off into nothing sounds. Slides into a note start
+// kSlideOutSemitones below (Into Up) or above (Into Down) and reach the note within a 16th.
+constexpr int kSlideOutSemitones = 5;
+constexpr double kSlideInto64ths = 4;
+// Trill and tremolo picking: one note per period of the slot's code, for the whole beat.
+double trillPeriod(int32_t code) { return code == 2 ? 8 : code == 1 ? 4 : 2; }
+double pickingPeriod(int32_t technique) {
+  return technique == kTremoloPicking8 ? 8 : technique == kTremoloPicking16 ? 4 : 2;
+}
+// Grace notes take their length from the start of the beat (the main note comes late), never
+// more than half the beat. A grace note joined to its note by a slide, bend or hammer-on lets
+// the main note in softer, as the left hand sounds it, not the pick.
+double grace64ths(int32_t code) { return code == 2 ? 1 : code == 1 ? 2 : 4; }
+constexpr double kLegatoVelocity = 0.8;
+
+int velocityFor(const Track& tr, int32_t volumeCode) {
+  const int v = roundEven(volumeLevel(volumeCode) / 7.0 * 63.5 + roundEven(tr.Volume / 50.0 * 63.5));
+  return std::clamp(v, 0, 127);
+}
+
+double beatLength64ths(const Beat& beat) {
+  try {
+    return GetNumOf64ths(beat);
+  } catch (const ScoreError&) {
+    return 16;  // a damaged length plays as a quarter, as the scheduler does
+  }
+}
+
+struct EffectStart {
+  EffectPlayer& fx;
+  double stepMs;
+  double beat64ths;
+};
+
+// Starts the effects of one slot that sound the note themselves; false when the slot has none
+// and the caller sounds it plain.
+bool startNoteTakingEffect(const EffectStart& e, const Score& s, int t, int b, int k, int string, int key,
+                           int velocity, int channel) {
+  const Beat& beat = s.Tracks[static_cast<size_t>(t)].Bars[static_cast<size_t>(b)]->Beats[static_cast<size_t>(k)];
+  const NoteSlot& slot = beat.Notes[static_cast<size_t>(string)];
+  const Track& tr = s.Tracks[static_cast<size_t>(t)];
+  int fret = 0;
+  FretNumber(slot.Fret, fret);
+  if (slot.HasGrace) {
+    int graceFret = 0;
+    const bool dead = !FretNumber(slot.Grace.Fret, graceFret);
+    const int graceKey = dead ? -1 : key - fret + graceFret;
+    const int mainVelocity = slot.Grace.Transition == kGraceNone
+                                 ? velocity : roundEven(velocity * kLegatoVelocity);
+    const double len = std::min(grace64ths(slot.Grace.Length), e.beat64ths / 2);
+    e.fx.start(PlanGrace(channel, graceKey, velocityFor(tr, slot.Grace.Volume), key, mainVelocity, e.stepMs, len));
+    return true;
+  }
+  if (slot.HasTrill) {
+    const int other = key - fret + slot.Trill.TrillFret;
+    e.fx.start(PlanTrill(channel, key, other, velocity, e.stepMs, e.beat64ths, trillPeriod(slot.Trill.Period)));
+    return true;
+  }
+  if (slot.Technique == kSlideIntoUp || slot.Technique == kSlideIntoDown) {
+    const int from = slot.Technique == kSlideIntoUp ? key - kSlideOutSemitones : key + kSlideOutSemitones;
+    const double span = std::min(kSlideInto64ths, e.beat64ths);
+    e.fx.start(PlanSlide(channel, from, key, velocity, 1,
+                         CurveInterval(e.stepMs, span, kSlideOutSemitones), true));
+    return true;
+  }
+  return false;
+}
+
+// The key of the note on the same string in the beat after (t, b, k); false if none.
+bool nextKeyOnString(const Score& s, int t, int b, int k, int string, int& key) {
+  if (SoundingPitch(s, t, b, k + 1, string, key)) return true;
+  return k + 1 >= static_cast<int>(s.Tracks[static_cast<size_t>(t)].Bars[static_cast<size_t>(b)]->Beats.size()) &&
+         SoundingPitch(s, t, b + 1, 0, string, key);
+}
+
+// Effects that move a note already struck.
+void startNoteEffects(const EffectStart& e, const Score& s, int t, int b, int k, int string, int key,
+                      int velocity, int channel) {
+  const NoteSlot& slot =
+      s.Tracks[static_cast<size_t>(t)].Bars[static_cast<size_t>(b)]->Beats[static_cast<size_t>(k)].Notes[static_cast<size_t>(string)];
+  if (slot.HasBend)
+    e.fx.start(PlanBend(slot.Bend->Points, channel, e.stepMs, e.beat64ths, e.fx.settings.BendCoefficient));
+  const int tech = slot.Technique;
+  if (tech != kSlideUp && tech != kSlideDown && tech != kLegatoSlide) return;
+  int target = 0;
+  int to = key;
+  if (nextKeyOnString(s, t, b, k, string, target) &&
+      ((tech == kSlideUp && target > key) || (tech == kSlideDown && target < key) || tech == kLegatoSlide)) {
+    to = target > key ? target - 1 : target < key ? target + 1 : key;
+  } else if (tech != kLegatoSlide) {
+    to = tech == kSlideUp ? key + kSlideOutSemitones : key - kSlideOutSemitones;
+  }
+  const int steps = std::abs(to - key);
+  if (steps == 0) return;
+  e.fx.start(PlanSlide(channel, key, to, velocity, steps, CurveInterval(e.stepMs, e.beat64ths, 2.0 * steps), false));
+}
+
+}  // namespace
+
+void PlayChord(SoundOut so, const Score& s, int t, int b, int k, bool clearFirst, bool upward, Strum* strum,
+               EffectPlayer* fx, double tempo) {
   if (clearFirst) MIDIAllNotesOff(so.out);
   const Beat* beat = findBeat(s, t, b, k);
   if (!beat) return;
@@ -130,9 +260,18 @@ void PlayChord(SoundOut so, const Score& s, int t, int b, int k, bool clearFirst
   int prevBar = 0, prevBeat = 0;
   const bool continues = PreviousBeat(s, t, b, k, prevBar, prevBeat) && IsTie(s, t, prevBar, prevBeat);
 
+  if (tempo <= 0) tempo = s.Tempo;
+  const double stepMs = tempo > 0 && std::isfinite(tempo) ? 3750.0 / tempo : 62.5;
+  const std::optional<EffectStart> fxStart =
+      fx ? std::optional<EffectStart>(EffectStart{*fx, stepMs, beatLength64ths(*beat)}) : std::nullopt;
+
   if (strum) *strum = Strum();
   const bool strummed = strum && (beat->Stroke == kUpStroke || beat->Stroke == kDownStroke);
   bool first = true;
+  bool wheelTaken = false;
+  bool anyNote = false;
+  std::vector<int> picked;
+  int pickedTechnique = 0, pickedVelocity = 0;
   const int n = stringCount(tr);
   for (int i = 0; i < n; ++i) {
     const int string = upward ? i : n - 1 - i;
@@ -140,17 +279,50 @@ void PlayChord(SoundOut so, const Score& s, int t, int b, int k, bool clearFirst
     int pitch = 0;
     if (!SoundingPitch(s, t, b, k, string, pitch)) continue;
     if (slot.Tied && continues) continue;
+    if (slot.Harmonic == kNaturalHarmonic) {
+      int fret = 0;
+      FretNumber(slot.Fret, fret);
+      pitch = NaturalHarmonicKey(pitch - fret, fret);
+    }
     const int velocity = GetVolume(s, t, b, k, string);
-    // Pitch effects move the wheel of the effect channel, so a bent note lives there and the
-    // other strings stay put on the main channel.
-    const int channel = slot.HasBend ? tr.EffectChannel : tr.Channel;
+    const int channel = NoteChannel(tr, *beat, slot);
+    anyNote = true;
+    if (fxStart) {
+      if (startNoteTakingEffect(*fxStart, s, t, b, k, string, pitch, velocity, channel)) continue;
+      if (slot.Technique >= kTremoloPicking8 && slot.Technique <= kTremoloPicking32) {
+        // The picked strings of a beat are struck again together, so one element serves them.
+        picked.push_back(pitch);
+        pickedTechnique = slot.Technique;
+        pickedVelocity = std::max(pickedVelocity, velocity);
+        continue;
+      }
+    }
     if (strummed && !first) {
       strum->Notes[static_cast<size_t>(strum->Count++)] = {channel, pitch, slot.Harmonic, velocity};
-      continue;
+    } else {
+      first = false;
+      PlayNote(so.out, pitch, slot.Harmonic, channel, velocity, false);
     }
-    first = false;
-    PlayNote(so.out, pitch, slot.Harmonic, channel, velocity, false);
+    if (fxStart) {
+      startNoteEffects(*fxStart, s, t, b, k, string, pitch, velocity, channel);
+      wheelTaken = wheelTaken || slot.HasBend;
+    }
   }
+  if (!fxStart || !anyNote) return;
+  const EffectStart& e = *fxStart;
+  if (!picked.empty())
+    e.fx.start(PlanTremoloPicking(tr.EffectChannel, picked, pickedVelocity, e.stepMs, e.beat64ths,
+                                  pickingPeriod(pickedTechnique)));
+  if (beat->HasTremoloBar) {
+    e.fx.start(PlanTremoloBar(beat->TremoloBar->Points, tr.EffectChannel, e.stepMs, e.beat64ths,
+                              e.fx.settings.BendCoefficient));
+    wheelTaken = true;
+  }
+  // A written bend or bar dip is what the player does with the note; vibrato on top of it
+  // would fight it for the one wheel, so the curve wins.
+  if (!wheelTaken && (beat->ChordTechnique == kVibrato || beat->ChordTechnique == kWideVibrato))
+    e.fx.start(PlanVibrato(tr.EffectChannel, e.stepMs, e.beat64ths, beat->ChordTechnique == kWideVibrato,
+                           e.fx.settings));
 }
 
 void PlayChordDiagram(SoundOut so, const Track& tr, const BeatChord& chord) {

@@ -2,6 +2,7 @@
 // lines, and the small helpers that the scheduler and the editor share.
 #pragma once
 
+#include "playback/effects.h"
 #include "playback/midi_out.h"
 #include "score/score_records.h"
 
@@ -29,8 +30,19 @@ struct Strum {
 // strings from the highest (string 0) down to the lowest, else from the lowest up. A beat that
 // does not exist sounds nothing. Given a Strum, a beat marked with a stroke sounds only its
 // first note now and leaves the others in it; without one, all notes sound at once.
+// Given an EffectPlayer, the beat's effects start on it too (their speed from `tempo`, the
+// score's tempo when 0); without one, every note sounds plain.
 void PlayChord(SoundOut so, const Score& s, int track, int bar, int beat, bool clearFirst, bool upward,
-               Strum* strum = nullptr);
+               Strum* strum = nullptr, EffectPlayer* fx = nullptr, double tempo = 0);
+
+// The channel a note of the beat sounds on: the track's effect channel when an effect moves
+// its pitch wheel or silences its channel between notes, so the other strings are left alone.
+int NoteChannel(const Track& track, const Beat& beat, const NoteSlot& slot);
+
+// The key a natural harmonic sounds at the fret where it is touched: the node's overtone
+// (12th fret: the octave; 7th and 19th: the fifth above it; 5th and 24th: two octaves; ...).
+// Frets with no clear node sound the fretted key.
+int NaturalHarmonicKey(int openKey, int fret);
 
 // Sounds one note with the offset of its harmonic; stopAtOnce ends it at once.
 void PlayNote(MidiOut& out, int pitch, int harmonic, int channel, int velocity, bool stopAtOnce);

@@ -200,6 +200,8 @@ IniSettings LoadINISettingsText(std::string_view text) {
   s.MaxTabX = std::clamp(s.MaxTabX, 1, 1000);
   s.MaxLineLength = std::clamp(s.MaxLineLength, 1, 100000);
   s.VibratoCount = std::clamp(s.VibratoCount, 0, 1000);
+  s.VibratoBend = std::clamp(s.VibratoBend, 0, kMaxVibratoBend);
+  s.WideVibratoBend = std::clamp(s.WideVibratoBend, 0, kMaxVibratoBend);
   return s;
 }
 

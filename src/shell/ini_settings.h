@@ -20,6 +20,8 @@ inline constexpr std::array<const char*, kToolbarCount> kToolbarNames = {
     "Bar 1",          "Bar 2",          "File Navigation"};
 
 inline constexpr int kRecentFileCount = 10;
+// The most a vibrato may swing the wheel either way of its centre 66.
+inline constexpr int kMaxVibratoBend = 61;
 
 // Where a toolbar stands: docked on a side of the main window, or floating at a place on the
 // screen. Area is 0 top, 1 bottom, 2 left, 3 right.

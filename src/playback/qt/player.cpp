@@ -69,7 +69,7 @@ void Player::wire() {
   };
   // The editor's single notes end by themselves a moment later.
   tmrStop_->setOnTimer([this] {
-    MIDIAllNotesOff(*out_);
+    if (!scheduler_->playing()) scheduler_->SilenceBeat();
     tmrStop_->setEnabled(false);
   });
 }
@@ -176,16 +176,18 @@ void Player::stop() {
 
 bool Player::isPlaying() const { return scheduler_->playing(); }
 
-void Player::soundBeat(const Document& doc, int track, int bar, int beat) {
+void Player::soundBeat(const Score& score, int track, int bar, int beat) {
   if (scheduler_->playing()) return;
-  PlayChord({*out_, options_.OutputBank}, doc.score, track, bar, beat, true, false);
-  // Let it sound about as long as the beat would, within reason.
+  scheduler_->options = options_;
+  scheduler_->SoundBeat(score, track, bar, beat);
+  // Let it sound about as long as the beat would, within reason; a bend runs a little past
+  // its beat, and is heard to its end.
   double ms = 500;
   try {
-    ms = GetNumOf64ths(doc.score.beat(track, bar, beat)) * IntervalForTempo(doc.score.Tempo);
+    ms = GetNumOf64ths(score.beat(track, bar, beat)) * IntervalForTempo(score.Tempo) * 1.05;
   } catch (const ScoreError&) {
   }
-  tmrStop_->setInterval(static_cast<int32_t>(std::clamp(ms, 250.0, 2000.0)));
+  tmrStop_->setInterval(static_cast<int32_t>(std::clamp(ms, 250.0, 4500.0)));
   tmrStop_->setEnabled(true);
   reportSilence();
 }

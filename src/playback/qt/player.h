@@ -68,8 +68,10 @@ class Player : public QObject {
   void stop();
   bool isPlaying() const;
 
-  // Play as typed: sounds beat (track, bar, beat) and silences it again shortly after.
-  void soundBeat(const Document& doc, int track, int bar, int beat);
+  // Play as typed: sounds beat (track, bar, beat) with its effects and silences it again
+  // shortly after. Nothing of the score is kept.
+  void soundBeat(const Score& score, int track, int bar, int beat);
+  void soundBeat(const Document& doc, int track, int bar, int beat) { soundBeat(doc.score, track, bar, beat); }
   void soundChordDiagram(const Track& track, const BeatChord& chord);
 
   // The mix table changed: the sound fields of each track (volume, instrument, channels) of

@@ -94,8 +94,10 @@ OptionsDialog::OptionsDialog(Session& session, QWidget* parent)
   bend_->setRange(0.1, 100);
   bend_->setDecimals(2);
   fxForm->addRow(bendLabel, bend_);
-  spin(fx, "lblVibratoBend", &IniSettings::VibratoBend, 0, 100);
-  spin(fx, "lblWideVibratoBend", &IniSettings::WideVibratoBend, 0, 100);
+  // The boxes take more than a vibrato may swing, so that a wrong value is refused with a
+  // word of why instead of being quietly cut.
+  spin(fx, "lblVibratoBend", &IniSettings::VibratoBend, 0, 127);
+  spin(fx, "lblWideVibratoBend", &IniSettings::WideVibratoBend, 0, 127);
   spin(fx, "lblVibratoCount", &IniSettings::VibratoCount, 1, 100);
 
   QWidget* device = page("tabDevice");
@@ -152,8 +154,7 @@ OptionsDialog::OptionsDialog(Session& session, QWidget* parent)
   connect(def, &QPushButton::clicked, this, &OptionsDialog::defaults);
   connect(applyButton, &QPushButton::clicked, this, &OptionsDialog::apply);
   connect(buttons, &QDialogButtonBox::accepted, this, [this] {
-    apply();
-    accept();
+    if (apply()) accept();
   });
   connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
   layout->addWidget(buttons);
@@ -211,9 +212,22 @@ void OptionsDialog::fromSettings(const IniSettings& s) {
   devices_->setCurrentRow(std::clamp(s.OutputDeviceID, 0, devices_->count() - 1));
 }
 
-void OptionsDialog::apply() {
-  for (auto& [c, f] : checks_) edit_.*f = c->isChecked();
-  for (auto& [sp, f] : spins_) edit_.*f = sp->value();
+bool OptionsDialog::apply() {
+  IniSettings next = edit_;
+  for (auto& [c, f] : checks_) next.*f = c->isChecked();
+  for (auto& [sp, f] : spins_) next.*f = sp->value();
+  // A vibrato swings round 66 of the wheel's 0..127: more than 61 either way would leave it.
+  for (const char* name : {"lblVibratoBend", "lblWideVibratoBend"}) {
+    const auto* label = findChild<QLabel*>(name);
+    const auto* box = findChild<QSpinBox*>(QString(name).replace(0, 3, "vb"));
+    if (!box || box->value() <= kMaxVibratoBend) continue;
+    const Messages& m = session_.messages();
+    const std::string what = label ? label->text().toStdString() : std::string();
+    session_.prompter().message(m.str("str_InvalidData") + "\n\n" + what + " 0 - " + std::to_string(kMaxVibratoBend),
+                                m.str("str_Warning"), MessageIcon::Warning);
+    return false;
+  }
+  edit_ = next;
   // The most space between notes can never be less than the least.
   if (edit_.MaxTabX < edit_.MinTabX) edit_.MaxTabX = edit_.MinTabX;
   edit_.BendCoefficient = bend_->value();
@@ -226,6 +240,7 @@ void OptionsDialog::apply() {
   edit_.RecentFiles = live.RecentFiles;
   live = edit_;
   if (onApply) onApply();
+  return true;
 }
 
 void OptionsDialog::defaults() {

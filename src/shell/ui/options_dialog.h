@@ -23,7 +23,8 @@ class OptionsDialog : public QDialog {
 
   QTabWidget* tabs() const { return tabs_; }
   // Stores the controls' values in the settings (the Apply button).
-  void apply();
+  // False, with a message, when a value is refused; nothing is applied then.
+  bool apply();
   // Puts every control back to the first-run values, after asking (the Default button).
   void defaults();
   void loadLanguage();
