@@ -465,4 +465,12 @@ std::vector<MidiImportTrackReport> FullImport(const MidiImportSource& source, co
   return reports;
 }
 
+std::vector<MidiImportTrackReport> ImportMIDIFile(const std::filesystem::path& path, const MidiImportOptions& options,
+                                                  Score& score) {
+  const MidiImportSource source = OpenMIDIFile(path);
+  auto reports = FullImport(source, options, score);
+  score.Title = path.stem().string();
+  return reports;
+}
+
 }  // namespace plectaro

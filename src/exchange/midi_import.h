@@ -49,6 +49,11 @@ struct MidiImportTrackReport {
 std::vector<MidiImportTrackReport> FullImport(const MidiImportSource& source, const MidiImportOptions& options,
                                               Score& score);
 
+// Imports a whole file into `score` as batch conversion and the command line do: the tracks
+// of the options (all with notes by default), the file's name as the title.
+std::vector<MidiImportTrackReport> ImportMIDIFile(const std::filesystem::path& path, const MidiImportOptions& options,
+                                                  Score& score);
+
 // The decisive step of the string assignment: puts MIDI key `note` on `string` of beat
 // (track, bar, beat) if its fret lies within 0..29. A note below string 5 of a six-string
 // track widens the track to seven strings, so that the next string in the scan can take it.
