@@ -20,6 +20,9 @@
 #include "playback/qt/player.h"
 #include "playback_wiring.h"
 #endif
+#ifdef PLECTARO_HAVE_EXCHANGE
+#include "exchange/ui/exchange_menus.h"
+#endif
 #ifdef PLECTARO_HAVE_EDITING
 #include "editing/edit_context.h"
 #include "editing/ui/editor_input.h"
@@ -119,6 +122,10 @@ int main(int argc, char** argv) {
   if (!cmd.printStartupTime)
     QObject::connect(window.view(), &plectaro::DocumentView::firstPainted, sound,
                      [sound] { QTimer::singleShot(0, sound, [sound] { sound->loadDevice(); }); });
+#endif
+#ifdef PLECTARO_HAVE_EXCHANGE
+  plectaro::ConnectExchangeMenus([&window](const QString& name) { return window.action(name); }, &window, session,
+                                 {[&window] { window.DrawDocument(); }});
 #endif
   if (cmd.printStartupTime) {
     QObject::connect(window.view(), &plectaro::DocumentView::firstPainted, &app, [&] {

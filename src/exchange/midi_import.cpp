@@ -391,7 +391,8 @@ std::vector<MidiImportTrackReport> FullImport(const MidiImportSource& source, co
   double songEnd = 0;
   for (int i : chosen) {
     notes.push_back(notesOf(file.Tracks[static_cast<size_t>(i)], file.Division, fileEnd));
-    for (const MidiNote& n : notes.back()) songEnd = std::max(songEnd, n.Start + kEps);
+    // The song lasts until its last note ends, so a held final chord keeps its bar.
+    for (const MidiNote& n : notes.back()) songEnd = std::max({songEnd, n.Start + kEps, n.End - 0.5});
   }
   const std::vector<BarSlot> bars = barGrid(file, songEnd);
 
