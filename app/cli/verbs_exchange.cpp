@@ -154,6 +154,12 @@ int runBatch(Context& ctx, const Args& args) {
   job.OutFolder = args.value("--out");
   job.Settings.Settings = &ctx.settings;
   job.Settings.Midi = midiOptions(&args);
+  // The engraved PDF needs the window system's painter, which this program has and the
+  // library does not: every track, pages as `convert` lays them out by default.
+  AddBatchFormat({".pdf", "PDF documents", {}, {},
+                  [&ctx](const Document& doc, const std::filesystem::path& path, const BatchSettings&) {
+                    savePdf(ctx, doc, path, Args({"--all-tracks"}, {}, {"--all-tracks"}));
+                  }});
   std::vector<std::filesystem::path> files;
   try {
     files = BatchFiles(job);

@@ -4,6 +4,8 @@
 #include <system_error>
 
 #include "exchange/midi_export.h"
+#include "exchange/wave_export.h"
+#include "playback/fluidsynth_out.h"
 #include "score/file_io.h"
 #include "score/music_file.h"
 #include "score/new_score.h"
@@ -27,14 +29,37 @@ void readMid(const std::filesystem::path& path, Document& doc, const BatchSettin
   ImportMIDIFile(path, settings.Midi, doc.score);
 }
 
+void writeWav(const Document& doc, const std::filesystem::path& path, const BatchSettings& settings) {
+  WaveJob job;
+  job.ToBar = static_cast<int>(doc.score.BarInfos.size()) - 1;
+  job.Options.FollowPlayback = false;
+  job.SoundFont = FindSoundFont(settings.Settings);
+  ExportWave(doc.score, job, path);
+}
+
+std::vector<BatchFormat>& formats() {
+  static std::vector<BatchFormat> list = {
+      {".plm", "Plectaro music files", {}, readPlm,
+       [](const Document& d, const std::filesystem::path& p, const BatchSettings&) { SaveMusicFile(d.score, p); }},
+      {".mid", "MIDI files", {".midi"}, readMid,
+       [](const Document& d, const std::filesystem::path& p, const BatchSettings&) { MakeMIDIFile(d.score, p); }},
+      {".wav", "Wave files", {}, {}, writeWav},
+  };
+  return list;
+}
+
 }  // namespace
 
-const std::vector<BatchFormat>& BatchFormats() {
-  static const std::vector<BatchFormat> formats = {
-      {".plm", "Plectaro music files", {}, readPlm, [](const Document& d, const std::filesystem::path& p) { SaveMusicFile(d.score, p); }},
-      {".mid", "MIDI files", {".midi"}, readMid, [](const Document& d, const std::filesystem::path& p) { MakeMIDIFile(d.score, p); }},
-  };
-  return formats;
+const std::vector<BatchFormat>& BatchFormats() { return formats(); }
+
+void AddBatchFormat(const BatchFormat& format) {
+  for (BatchFormat& f : formats()) {
+    if (f.Extension != format.Extension) continue;
+    if (format.Read) f.Read = format.Read;
+    if (format.Write) f.Write = format.Write;
+    return;
+  }
+  formats().push_back(format);
 }
 
 const BatchFormat* FindBatchFormat(const std::string& extension) {
@@ -86,7 +111,7 @@ BatchResult BatchConvert(const BatchJob& job,
       const MemorySettingsStore none;
       InitScore(doc, job.Settings.Settings ? *job.Settings.Settings : static_cast<const SettingsStore&>(none));
       FindBatchFormat(files[i].extension().string())->Read(files[i], doc, job.Settings);
-      to->Write(doc, out);
+      to->Write(doc, out, job.Settings);
       ++result.Converted;
     } catch (const std::exception& e) {
       result.Failures.push_back({files[i], e.what()});

@@ -24,7 +24,7 @@ struct BatchSettings {
 // Fills a document that InitScore has prepared from a file.
 using BatchReader = std::function<void(const std::filesystem::path&, Document&, const BatchSettings&)>;
 // Writes a document; the old file stays whole on failure (it goes through WriteFileAtomically).
-using BatchWriter = std::function<void(const Document&, const std::filesystem::path&)>;
+using BatchWriter = std::function<void(const Document&, const std::filesystem::path&, const BatchSettings&)>;
 
 struct BatchFormat {
   std::string Extension;            // ".mid"
@@ -35,6 +35,9 @@ struct BatchFormat {
 };
 
 const std::vector<BatchFormat>& BatchFormats();
+// Adds a kind, or fills in the reader or writer of a kind already there. Kinds that need the
+// window system (the engraved PDF) are added by the program that has one.
+void AddBatchFormat(const BatchFormat& format);
 // The format of an extension (".MID" and ".midi" included); null if none.
 const BatchFormat* FindBatchFormat(const std::string& extension);
 

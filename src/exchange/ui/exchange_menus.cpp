@@ -8,6 +8,7 @@
 #include "exchange/midi_export.h"
 #include "exchange/ui/batch_convert_dialog.h"
 #include "exchange/ui/midi_import_dialog.h"
+#include "rendering/qt/page_export.h"
 #include "score/new_score.h"
 #include "shell/session.h"
 
@@ -108,6 +109,14 @@ void MIDIExport(QWidget*, Session& session, const QString& given) {
 void ConnectExchangeMenus(const std::function<QAction*(const QString& name)>& find, QWidget* parent, Session& session,
                           ExchangeHooks hooks) {
   Session* s = &session;
+  // The engraved PDF for batch conversion: every track, on the default pages.
+  AddBatchFormat({".pdf", "PDF documents", {}, {},
+                  [](const Document& original, const std::filesystem::path& path, const BatchSettings&) {
+                    Document doc = original;
+                    std::vector<int> tracks;
+                    for (int t = 0; t <= doc.score.LastTrack(); ++t) tracks.push_back(t);
+                    ExportPagesPDF(doc, tracks, LayoutSettings{}, DrawTexts{}, path);
+                  }});
   const std::pair<const char*, std::function<void()>> items[] = {
       {"mnuImportMIDI", [parent, s, hooks] { MIDIImport(parent, *s, hooks); }},
       {"mnuFileExportMIDI", [parent, s] { MIDIExport(parent, *s); }},
