@@ -170,9 +170,17 @@ class TrackBuilder {
   MidiImportTrackReport report;
 
   void build(std::vector<MidiNote> notes) {
+    std::stable_sort(notes.begin(), notes.end(), [](const MidiNote& a, const MidiNote& b) { return a.Start < b.Start; });
+    // A strummed or played-by-hand chord reaches the file a few milliseconds apart string by
+    // string: notes starting less than a 64th after the first of a chord belong to it.
+    double chordStart = -1, snapped = 0;
     for (MidiNote& n : notes) {
-      n.Start = snap(n.Start, o_.Quantize);
-      n.End = std::max(snap(n.End, o_.Quantize), n.Start + 1);
+      if (chordStart < 0 || n.Start >= chordStart + 0.95) {
+        chordStart = n.Start;
+        snapped = snap(n.Start, o_.Quantize);
+      }
+      n.End = std::max(snap(n.End, o_.Quantize), snapped + 1);
+      n.Start = snapped;
     }
     std::stable_sort(notes.begin(), notes.end(), [](const MidiNote& a, const MidiNote& b) { return a.Start < b.Start; });
     size_t i = 0;
