@@ -50,6 +50,7 @@ int main(int argc, char** argv) {
   Context ctx{app, settings, std::cout, std::cerr};
   try {
     Args args(words, verb->valueOptions, verb->flagOptions);
+    ctx.args = &args;
     return verb->run(ctx, args);
   } catch (const UsageError& e) {
     std::cerr << "plectaro-cli " << verb->name << ": " << e.what() << "\nusage: plectaro-cli "

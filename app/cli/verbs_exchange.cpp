@@ -1,11 +1,17 @@
-// Savers of `convert` for the exchange formats: PDF (engraved pages, or the text tab with
-// --text) and wave files rendered by the built-in synthesizer.
+// The exchange formats of `convert`: PDF (engraved pages, or the text tab with --text), wave
+// files rendered by the built-in synthesizer, and MIDI files both ways; and `batch`, which
+// converts a folder of files from one kind to another through the same table of formats as
+// the Batch Convert window.
 #include <unistd.h>
 
 #include <cstdio>
 #include <iostream>
+#include <sstream>
 
 #include "cli.h"
+#include "exchange/batch_convert.h"
+#include "exchange/midi_export.h"
+#include "exchange/midi_import.h"
 #include "exchange/text_pdf.h"
 #include "exchange/wave_export.h"
 #include "playback/fluidsynth_out.h"
@@ -86,6 +92,98 @@ void saveWav(Context& ctx, const Document& doc, const std::filesystem::path& pat
 
 const Registrar pdfSaver(".pdf", Saver(savePdf));
 const Registrar wavSaver(".wav", Saver(saveWav));
+
+// --tracks 1,3 counts from 1 like every track number on the command line.
+MidiImportOptions midiOptions(const Args* args) {
+  MidiImportOptions o;
+  if (!args) return o;
+  o.AddTies = args->has("--ties");
+  o.Reverb = args->has("--reverb");
+  o.Quantize = args->has("--quantize");
+  if (args->has("--tracks")) {
+    std::stringstream list(args->value("--tracks"));
+    std::string item;
+    while (std::getline(list, item, ',')) {
+      size_t used = 0;
+      int n = 0;
+      try {
+        n = std::stoi(item, &used);
+      } catch (const std::exception&) {
+        used = 0;
+      }
+      if (used == 0 || used != item.size() || n < 1) throw UsageError("--tracks takes track numbers from 1, like 1,3");
+      o.Tracks.push_back(n - 1);
+    }
+  }
+  return o;
+}
+
+void loadMid(Context& ctx, const std::filesystem::path& path, Document& doc) {
+  const MidiImportOptions options = midiOptions(ctx.args);
+  const MidiImportSource source = OpenMIDIFile(path);
+  for (int t : options.Tracks)
+    if (static_cast<size_t>(t) >= source.TrackList.size())
+      throw InputError("\"" + path.string() + "\" has no track " + std::to_string(t + 1) + "; it has " +
+                       std::to_string(source.TrackList.size()));
+  for (const MidiImportTrackReport& r : FullImport(source, options, doc.score))
+    if (r.Lost > 0)
+      ctx.err << "plectaro-cli: " << r.Lost << " of " << r.Lost + r.Placed << " notes of MIDI track "
+              << r.MidiTrack + 1 << " (" << r.Name << ") fit no string and were left out\n";
+  doc.score.Title = path.stem().string();
+}
+
+void saveMid(Context&, const Document& doc, const std::filesystem::path& path, const Args&) {
+  MakeMIDIFile(doc.score, path);
+}
+
+const Registrar midLoader(".mid", Loader(loadMid));
+const Registrar midiLoader(".midi", Loader(loadMid));
+const Registrar midSaver(".mid", Saver(saveMid));
+
+std::string dotted(const std::string& ext) { return ext.empty() || ext[0] == '.' ? ext : "." + ext; }
+
+int runBatch(Context& ctx, const Args& args) {
+  args.expectPositional(1, 1);
+  if (!args.has("--to")) throw UsageError("--to names the kind to write");
+  BatchJob job;
+  job.InFolder = args.at(0);
+  job.To = dotted(args.value("--to"));
+  job.From = dotted(args.value("--from"));
+  job.OutFolder = args.value("--out");
+  job.Settings.Settings = &ctx.settings;
+  job.Settings.Midi = midiOptions(&args);
+  // The engraved PDF needs the window system's painter, which this program has and the
+  // library does not: every track, pages as `convert` lays them out by default.
+  AddBatchFormat({".pdf", "PDF documents", {}, {},
+                  [&ctx](const Document& doc, const std::filesystem::path& path, const BatchSettings&) {
+                    savePdf(ctx, doc, path, Args({"--all-tracks"}, {}, {"--all-tracks"}));
+                  }});
+  std::vector<std::filesystem::path> files;
+  try {
+    files = BatchFiles(job);
+  } catch (const ScoreError& e) {
+    throw UsageError(e.what());
+  }
+  // The progress line only on a terminal: in a pipe or a log it would be noise.
+  const bool terminal = isatty(STDERR_FILENO);
+  const BatchResult r = BatchConvert(job, [&](int done, int total, const std::filesystem::path& file) {
+    if (terminal) {
+      ctx.err << "\r\033[K" << done << "/" << total;
+      if (!file.empty()) ctx.err << " " << file.filename().string();
+      ctx.err.flush();
+    }
+    return true;
+  });
+  if (terminal) ctx.err << "\r\033[K";
+  for (const BatchFailure& f : r.Failures) ctx.err << f.File.string() << ": " << f.Reason << "\n";
+  ctx.out << "converted " << r.Converted << " of " << r.Total << " files to " << job.To;
+  if (!r.Failures.empty()) ctx.out << ", " << r.Failures.size() << " failed";
+  ctx.out << "\n";
+  return r.Failures.empty() ? 0 : 1;
+}
+
+const Registrar verbBatch(Verb{"batch", "batch DIR --to mid|plm|txt|pdf|wav [--from KIND] [--out DIR] [--tracks 1,3] [--quantize] [--ties] [--reverb]",
+                               {"--to", "--from", "--out", "--tracks"}, {"--quantize", "--ties", "--reverb"}, runBatch});
 
 }  // namespace
 

@@ -175,11 +175,12 @@ const Registrar verbConvert(Verb{"convert",
                                   "convert IN OUT [--track N | --all-tracks] [--page P|all] [--dpi D] [--paper I] [--landscape] [--text] "
                                   "[--from B] [--to B] [--rate R] [--channels 1|2] [--bits 8|16] [--count-in] [--metronome] "
                                   "[--max-line L] [--warning|--no-warning] [--enforce-length L] [--timing N:D] [--details] "
+                                  "[--tracks 1,3] [--quantize] [--ties] [--reverb] "
                                   "(IN - reads text tab from standard input)",
                                   {"--track", "--page", "--dpi", "--paper", "--from", "--to", "--rate", "--channels", "--bits",
-                                   "--max-line", "--enforce-length", "--timing"},
+                                   "--max-line", "--enforce-length", "--timing", "--tracks"},
                                   {"--all-tracks", "--landscape", "--text", "--count-in", "--metronome", "--details",
-                                   "--warning", "--no-warning"},
+                                   "--warning", "--no-warning", "--quantize", "--ties", "--reverb"},
                                   runConvert});
 const Registrar verbCheck(Verb{"check", "check FILE [--fix OUT.plm]", {"--fix"}, {}, runCheck});
 

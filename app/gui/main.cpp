@@ -24,6 +24,9 @@
 #include "reference/ui/reference_menus.h"
 #include "reference/ui/reference_sound.h"
 #endif
+#ifdef PLECTARO_HAVE_EXCHANGE
+#include "exchange/ui/exchange_menus.h"
+#endif
 #ifdef PLECTARO_HAVE_EDITING
 #include "editing/edit_context.h"
 #include "editing/ui/editor_input.h"
@@ -139,6 +142,10 @@ int main(int argc, char** argv) {
 #ifdef PLECTARO_HAVE_PLAYBACK
   plectaro::AttachPlayer(reference->env(), player, session.doc());
 #endif
+#endif
+#ifdef PLECTARO_HAVE_EXCHANGE
+  plectaro::ConnectExchangeMenus([&window](const QString& name) { return window.action(name); }, &window, session,
+                                 {[&window] { window.DrawDocument(); }});
 #endif
   if (cmd.printStartupTime) {
     QObject::connect(window.view(), &plectaro::DocumentView::firstPainted, &app, [&] {

@@ -98,6 +98,8 @@ sf_count_t vTell(void* user) { return static_cast<MemoryFile*>(user)->pos; }
 
 }  // namespace
 
+void RunToEnd(Scheduler& scheduler, VirtualClock& clock) { runToEnd(scheduler, clock); }
+
 std::vector<MidiMessage> TraceSong(const Score& score, int startBar, int endBar, const PlaybackOptions& options,
                                    const std::function<void(const MidiMessage&)>& onMessage) {
   VirtualClock clock;

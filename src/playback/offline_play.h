@@ -16,6 +16,12 @@ namespace plectaro {
 // A song that has not ended after this much playing time is taken to loop for ever.
 inline constexpr double kOfflineLimitMs = 3.0 * 60 * 60 * 1000;
 
+class VirtualClock;
+
+// Runs a scheduler that has been started on `clock` until it stops by itself. Throws
+// ScoreError (after stopping it) if the song does not end within kOfflineLimitMs.
+void RunToEnd(Scheduler& scheduler, VirtualClock& clock);
+
 // Runs bars startBar..endBar and returns every message with its time. Each message is also
 // handed to `onMessage` as it goes, if given. Throws ScoreError if the song does not end
 // within kOfflineLimitMs.

@@ -264,6 +264,7 @@ bool Scheduler::startBeat(int t, int lastTrack) {
   const int lastBeat = lastBeatOf(s, t, cursorBar_);
   if (options.FollowPlayback && t == options.CurrentTrack && hooks.marker)
     hooks.marker(cursorBar_, k, k >= 0 && k <= lastBeat);
+  if (hooks.beatStarts) hooks.beatStarts(t, cursorBar_, k);
 
   // The usual end of every sounding note: the next beat of its track starts, unless the
   // notes before are tied over or let ring. Drums end by themselves.

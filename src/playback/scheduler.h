@@ -42,6 +42,10 @@ struct PlaybackHooks {
   std::function<void(int bar)> follow;
   // Playback has ended, at the end or by StopTab.
   std::function<void()> stopped;
+  // Any track reaches beat `beat` of `bar` (past the last beat when it waits for the bar to
+  // change), before the messages of that beat go out. The MIDI file writer places the
+  // messages that follow by it.
+  std::function<void(int track, int bar, int beat)> beatStarts;
 };
 
 enum class PlayState { Idle, CountIn, Playing };

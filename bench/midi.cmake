@@ -1,0 +1,1 @@
+set(BENCH_LIBS plectaro_exchange plectaro_playback plectaro_score)
