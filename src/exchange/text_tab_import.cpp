@@ -175,7 +175,8 @@ class TrackFiller {
   TrackFiller(Score& s, int track, const AsciiImportOptions& o, int num, int den)
       : s_(s), track_(track), o_(o), num_(num), den_(den) {}
 
-  void add(Beat beat, int column) {
+  // A new blank beat at `column`, in place in its bar (beats are costly to move).
+  Beat& add(int column) {
     if (pending_) close(column - lastColumn_);
     if (bar_ > s_.GetLastBar(track_)) {
       const BarInfo prev = s_.barInfo(bar_ - 1);
@@ -184,13 +185,16 @@ class TrackFiller {
     }
     if (bar_ != filledBar_) {
       s_.barMut(track_, bar_).Beats.clear();
+      s_.barMut(track_, bar_).Beats.reserve(16);
       if (o_.EnforceTiming) s_.SetTimeSignature(bar_, num_, den_);
       filledBar_ = bar_;
     }
-    s_.barMut(track_, bar_).Beats.push_back(std::move(beat));
+    Beat& beat = s_.barMut(track_, bar_).Beats.emplace_back();
+    beat.Length = kSixteenth;
     pending_ = true;
     lastColumn_ = column;
     ++beats_;
+    return beat;
   }
 
   // The staff ended `trailing` columns after its last beat.
@@ -227,8 +231,14 @@ void parseStaff(const std::vector<const Line*>& staff, TrackFiller& fill) {
   const int strings = static_cast<int>(std::min<size_t>(staff.size(), kMaxStrings));
   size_t col = 0;
   while (col < len) {
-    Beat beat;
-    bool any = false;
+    // Most columns are blank: look before building a beat, which is costly to make.
+    bool anyFret = false;
+    for (int st = 0; st < strings && !anyFret; ++st) anyFret = fretCell(*staff[static_cast<size_t>(st)], col);
+    if (!anyFret) {
+      ++col;
+      continue;
+    }
+    Beat& beat = fill.add(static_cast<int>(col));
     size_t widest = 1;
     for (int st = 0; st < strings; ++st) {
       const Line& l = *staff[static_cast<size_t>(st)];
@@ -246,20 +256,13 @@ void parseStaff(const std::vector<const Line*>& staff, TrackFiller& fill) {
         }
         note.Fret = std::to_string(fret);
       }
-      any = true;
       widest = std::max(widest, width);
       if (col + width < l.marks.size() && l.marks[col + width] != '\0')
         applyEffect(beat, note, l.marks[col + width], false);
       if (col > 0 && l.marks[col - 1] != '\0')
         applyEffect(beat, note, l.marks[col - 1], true, col >= 2 && fretCell(l, col - 2));
     }
-    if (any) {
-      beat.Length = kSixteenth;
-      fill.add(std::move(beat), static_cast<int>(col));
-      col += widest;
-    } else {
-      ++col;
-    }
+    col += widest;
   }
   fill.endStaff(static_cast<int>(len));
 }
