@@ -20,6 +20,9 @@
 #include "playback/qt/player.h"
 #include "playback_wiring.h"
 #endif
+#ifdef PLECTARO_HAVE_EXPORT
+#include "export_wiring.h"
+#endif
 #ifdef PLECTARO_HAVE_EDITING
 #include "editing/edit_context.h"
 #include "editing/ui/editor_input.h"
@@ -119,6 +122,9 @@ int main(int argc, char** argv) {
   if (!cmd.printStartupTime)
     QObject::connect(window.view(), &plectaro::DocumentView::firstPainted, sound,
                      [sound] { QTimer::singleShot(0, sound, [sound] { sound->loadDevice(); }); });
+#endif
+#ifdef PLECTARO_HAVE_EXPORT
+  plectaro::WireExports(window, session);
 #endif
   if (cmd.printStartupTime) {
     QObject::connect(window.view(), &plectaro::DocumentView::firstPainted, &app, [&] {
