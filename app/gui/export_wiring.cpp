@@ -42,7 +42,13 @@ void WireExports(MainWindow& window, Session& session) {
                               o.Metronome = session.ini().Metronome;
                               return o;
                             },
-                            FindSoundFont(&session.settings())};
+                            FindSoundFont(&session.settings()),
+                            [&session] {
+                              TextExportOptions o;
+                              o.CopyrightWarning = session.ini().CopyrightWarning;
+                              o.MaxLineLength = session.ini().MaxLineLength;
+                              return o;
+                            }};
   ConnectExportMenus(find, &window, exports);
 }
 

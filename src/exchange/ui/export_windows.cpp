@@ -19,6 +19,7 @@
 
 #include <filesystem>
 
+#include "exchange/text_pdf.h"
 #include "rendering/qt/page_export.h"
 #include "score/file_io.h"
 
@@ -324,6 +325,18 @@ void ConnectExportMenus(const std::function<QAction*(const QString& name)>& find
     connectItem(current, [env] { ExportPagesPDFCommand(env, false); });
     connectItem(all, [env] { ExportPagesPDFCommand(env, true); });
   }
+  connectItem(find("mnuFileExportPDF"), [env] {
+    auto name = env.prompter.saveFileName("PDF", "PDF Files|*.pdf|", "");
+    if (!name) return;
+    std::filesystem::path path = *name;
+    if (path.extension().empty()) path += ".pdf";
+    try {
+      ExportPDF(env.doc.score, env.doc.CursorTrack, env.textOptions ? env.textOptions() : TextExportOptions{}, path);
+    } catch (const std::exception& e) {
+      env.prompter.message(str(env, "str_CantSave1") + path.string() + str(env, "str_CantSave2") + e.what(), "PDF",
+                           MessageIcon::Critical);
+    }
+  });
   connectItem(find("mnuFileExportWAV"), [env, parent] {
     WaveExportDialog dialog(env, parent);
     dialog.exec();

@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+#include "exchange/text_tab_export.h"
 #include "exchange/wave_export.h"
 #include "rendering/draw_document.h"
 #include "score/document.h"
@@ -31,6 +32,7 @@ struct ExportEnvironment {
   std::function<std::string(std::string_view)> text;  // str_ keys
   std::function<PlaybackOptions()> playback;     // count-in and metronome as set
   std::string soundFont;
+  std::function<TextExportOptions()> textOptions;  // the text tab that File > Export > PDF prints
 };
 
 // The engraved pages of the current track (or all tracks) as a PDF; asks for the file.
@@ -89,8 +91,8 @@ class BitmapExportDialog : public QDialog {
   QSpinBox* dpi_;
 };
 
-// Adds "PDF (pages)..." at the top of File > Export and connects it, mnuFileExportWAV and
-// mnuFileExportBMP.
+// Adds "PDF (pages)..." at the top of File > Export and connects it, mnuFileExportPDF (the
+// text tab), mnuFileExportWAV and mnuFileExportBMP.
 void ConnectExportMenus(const std::function<QAction*(const QString& name)>& find, QWidget* parent,
                         ExportEnvironment env);
 
