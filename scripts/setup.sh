@@ -16,7 +16,8 @@ packages=(
   fonts-liberation2 fonts-dejavu-core fontconfig
 )
 if [[ "${1:-}" == "--look" ]]; then
-  packages+=(xvfb xauth imagemagick xdotool poppler-utils qpdf midicsv sox)
+  # fluidsynth: the stand-alone player the wave render is timed against.
+  packages+=(xvfb xauth imagemagick xdotool poppler-utils qpdf midicsv sox fluidsynth)
 fi
 
 missing=()

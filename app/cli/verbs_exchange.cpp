@@ -24,10 +24,18 @@ namespace plectaro::cli {
 namespace {
 
 void savePdf(Context&, const Document& original, const std::filesystem::path& path, const Args& args) {
-  if (args.has("--text")) {
-    throw UsageError("--text needs the text tab exporter, which this build does not have yet");
-  }
   if (args.has("--all-tracks") && args.has("--track")) throw UsageError("choose --track N or --all-tracks, not both");
+  if (args.has("--text")) {
+    if (args.has("--all-tracks")) throw UsageError("--text prints one track; choose it with --track N");
+    try {
+      ExportPDF(original.score, PageTrackOption(original, args), TextExportOptions{}, path);
+    } catch (const FileError& e) {
+      throw InputError(e.what());
+    } catch (const ScoreError& e) {
+      throw InputError(e.what());
+    }
+    return;
+  }
   EnsureGuiApplication();
   Document doc = original;
   const LayoutSettings settings = PageSettingsFrom(doc, args);

@@ -27,6 +27,9 @@
 #ifdef PLECTARO_HAVE_EXCHANGE
 #include "exchange/ui/exchange_menus.h"
 #endif
+#ifdef PLECTARO_HAVE_EXPORT
+#include "export_wiring.h"
+#endif
 #ifdef PLECTARO_HAVE_EDITING
 #include "editing/edit_context.h"
 #include "editing/ui/editor_input.h"
@@ -146,6 +149,9 @@ int main(int argc, char** argv) {
 #ifdef PLECTARO_HAVE_EXCHANGE
   plectaro::ConnectExchangeMenus([&window](const QString& name) { return window.action(name); }, &window, session,
                                  {[&window] { window.DrawDocument(); }});
+#endif
+#ifdef PLECTARO_HAVE_EXPORT
+  plectaro::WireExports(window, session);
 #endif
   if (cmd.printStartupTime) {
     QObject::connect(window.view(), &plectaro::DocumentView::firstPainted, &app, [&] {

@@ -324,4 +324,11 @@ bool TextToPDF(const std::filesystem::path& input, const std::filesystem::path& 
   return true;
 }
 
+void ExportPDF(const Score& score, int track, const TextExportOptions& options, const std::filesystem::path& path) {
+  // The text goes through memory instead of a temporary file, so nothing is left behind
+  // when the conversion stops with an error.
+  const std::string text = Cp1252ToUtf8(ExportASCIIText(score, track, options));
+  WriteFileAtomically(path, TextToPDF(text, TextPdfOptionsFor(score)));
+}
+
 }  // namespace plectaro

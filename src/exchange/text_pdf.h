@@ -12,6 +12,8 @@
 #include <string>
 #include <string_view>
 
+#include "exchange/text_tab_export.h"
+
 namespace plectaro {
 
 struct Score;
@@ -47,5 +49,10 @@ std::string TextToPDF(std::string_view text, const TextPdfOptions& options);
 // writes `output` atomically. Returns false, writing nothing, when the input does not exist.
 bool TextToPDF(const std::filesystem::path& input, const std::filesystem::path& output,
                const TextPdfOptions& options);
+
+// ExportPDF: the text tab of a track (as the text export writes it) printed into a PDF with
+// the Score's options. FileError when the file cannot be written; ScoreError for a track that
+// does not exist.
+void ExportPDF(const Score& score, int track, const TextExportOptions& options, const std::filesystem::path& path);
 
 }  // namespace plectaro

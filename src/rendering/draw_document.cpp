@@ -242,6 +242,19 @@ DrawResult runPass(Document& doc, int track, const LayoutSettings& settingsIn, c
 
 }  // namespace
 
+DrawTexts DrawTextsFrom(const std::function<std::string(std::string_view)>& str) {
+  DrawTexts texts;
+  texts.PagesLabel = str("str_PagesLabel");
+  texts.Page = str("str_Page");
+  texts.Of = str("str_Of");
+  texts.PageHoldsNoRow = str("str_ChooseNewPaperSize");
+  texts.FillUnder = str("str_IncompleteBar");
+  texts.FillFull = str("str_CompleteBar");
+  texts.FillOver = str("str_ExceededBar");
+  texts.Capo = str("txt_Capo");
+  return texts;
+}
+
 StatusLine MakeStatusLine(const Document& doc, int lastPage, const DrawTexts& texts) {
   StatusLine s;
   s.Pages = texts.PagesLabel + " " + std::to_string(lastPage + 1);

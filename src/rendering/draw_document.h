@@ -6,6 +6,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "rendering/page_layout.h"
@@ -26,6 +27,9 @@ struct DrawTexts {
   std::string FillOver = "Exceeded";
   std::string Capo = "Capo";  // title block: "Capo 3"
 };
+
+// The texts from the language table's keys, through `str` (key to text).
+DrawTexts DrawTextsFrom(const std::function<std::string(std::string_view)>& str);
 
 // The window's side of a draw: picture size and scroll positions in, scroll ranges out.
 struct ViewState {

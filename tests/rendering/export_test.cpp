@@ -158,6 +158,9 @@ TEST_F(Export, EngravedPdfHasOnePagePerLayoutPage) {
   EXPECT_EQ(cli("convert '" + at("two.plm").string() + "' '" + at("no.pdf").string() + "' --track 3"), 1);
   EXPECT_EQ(cli("convert '" + at("two.plm").string() + "' '" + at("no.pdf").string() + "' --track 1 --all-tracks"), 2);
   EXPECT_FALSE(fs::exists(at("no.pdf")));
+  // The text tab as PDF: the writer's own header, one text page here.
+  ASSERT_EQ(cli("convert '" + at("two.plm").string() + "' '" + at("text.pdf").string() + "' --text --track 2"), 0);
+  EXPECT_EQ(ReadWholeFile(at("text.pdf")).substr(0, 9), "%PDF-1.2\r");
 }
 
 // Drawing many pages in one walk must give each page exactly what drawing it alone gives.

@@ -101,19 +101,13 @@ void DocumentView::paintEvent(QPaintEvent*) {
     const QColor bg = palette().color(QPalette::Dark);
     view.Background = Color{static_cast<uint8_t>(bg.red()), static_cast<uint8_t>(bg.green()),
                             static_cast<uint8_t>(bg.blue()), 255};
-    DrawTexts texts;
-    if (str_) {
-      texts.PagesLabel = str_("str_PagesLabel");
-      texts.Page = str_("str_Page");
-      texts.Of = str_("str_Of");
-      texts.PageHoldsNoRow = str_("str_ChooseNewPaperSize");
-      texts.FillUnder = str_("str_IncompleteBar");
-      texts.FillFull = str_("str_CompleteBar");
-      texts.FillOver = str_("str_ExceededBar");
-      texts.Capo = str_("txt_Capo");
-    }
+    const DrawTexts texts = str_ ? DrawTextsFrom(str_) : DrawTexts{};
     painter.fillRect(viewport()->rect(), bg);
-    DrawResult r = DrawDocument(doc_, layoutSettings(ini_), view, texts, surface);
+    LayoutSettings settings = layoutSettings(ini_);
+    settings.PaperSizeIndex = paperSizeIndex_;
+    settings.Landscape = landscape_;
+    ApplyPaperSize(settings);
+    DrawResult r = DrawDocument(doc_, settings, view, texts, surface);
     applyScroll(r.Scroll.VMax, r.Scroll.VLargeChange, r.Scroll.VSmallChange, r.Scroll.HMax,
                 r.Scroll.HEnabled);
     status.BeatCount = r.Status.BeatCount;

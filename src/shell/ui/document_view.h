@@ -3,6 +3,8 @@
 #pragma once
 
 #include <QAbstractScrollArea>
+#include <cstdint>
+#include <cstdint>
 #include <functional>
 #include <string>
 
@@ -31,6 +33,12 @@ class DocumentView : public QAbstractScrollArea {
   std::function<bool(QKeyEvent*)> onKey;
   std::function<void(QMouseEvent*)> onMousePress;
 
+  // The paper of the page setup (a paper list index and the orientation); A4 upright until set.
+  void setPaper(int16_t paperSizeIndex, bool landscape) {
+    paperSizeIndex_ = paperSizeIndex;
+    landscape_ = landscape;
+  }
+
   // DrawDocument: lays out as the document's flags ask and repaints now.
   void drawDocument();
   // Back to the first page, e.g. after another document was opened.
@@ -51,6 +59,8 @@ class DocumentView : public QAbstractScrollArea {
   Document& doc_;
   const IniSettings& ini_;
   std::function<std::string(std::string_view)> str_;
+  int16_t paperSizeIndex_ = 0;
+  bool landscape_ = false;
   bool painted_ = false;
   bool inPaint_ = false;
   ViewStatus last_;

@@ -1,0 +1,1 @@
+set(BENCH_LIBS plectaro_rendering_qt plectaro_rendering plectaro_score)
