@@ -3,6 +3,7 @@
 
 #include <filesystem>
 
+#include "exchange/midi_file.h"
 #include "playback/recording_out.h"
 #include "playback/virtual_clock.h"
 #include "score/file_io.h"
@@ -308,19 +309,31 @@ TEST(BeatGenerator, ReplacesTheBeatAndChecksTheChoice) {
 
 TEST(DrumMidi, OneTrackWithTheStepLengths) {
   DrumPattern p;
-  ResizePattern(p, 3, 1);
-  p.Instruments = {"Acoustic Snare"};
-  p.Volumes = {100};
-  p.BeatLength = {2, 4, 4};
-  for (int s = 0; s < 3; ++s) p.setCell(s, 0, s != 1);
-  const std::string midi = DrumPatternToMidi(p);
-  const std::string expected =
-      std::string("MThd\0\0\0\6\0\0\0\1\1\xE0", 14) + "MTrk" + std::string("\0\0\0\x1C", 4) +
-      std::string("\0\xFF\x51\3\x07\xA1\x20", 7) +                      // 500000 us a quarter
-      std::string("\0\x99\x26\x64", 4) + std::string("\x83\x60\x99\x26\0", 5) +  // 480 ticks
-      std::string("\x78\x99\x26\x64", 4) + std::string("\x78\x99\x26\0", 4) +  // 120, 120
-      std::string("\0\xFF\x2F\0", 4);
-  EXPECT_EQ(midi, expected);
+  ResizePattern(p, 4, 2);
+  p.Instruments = {"Acoustic Snare", "Closed High-Hat"};
+  p.Volumes = {100, 60};
+  p.Tempo = 100;
+  p.BeatLength = {2, 4, 4, 3};
+  p.Tupleted[3] = true;  // an eighth triplet: 160 ticks
+  for (int s = 0; s < 4; ++s) p.setCell(s, 0, s != 1);
+  p.setCell(1, 1, true);
+  const MidiFileData midi = ParseMidiFile(DrumPatternToMidi(p));
+  EXPECT_EQ(midi.Format, 0);
+  ASSERT_EQ(midi.Tracks.size(), 1u);
+  std::vector<std::string> got;
+  uint32_t end = 0;
+  for (const MidiEvent& e : midi.Tracks[0].Events) {
+    if (e.isMeta() && e.Data1 == kMetaTempo) EXPECT_EQ(TempoOf(e), 600000u);
+    if (e.isMeta() && e.Data1 == kMetaEndOfTrack) end = e.Tick;
+    if (!e.isMeta())
+      got.push_back(std::to_string(e.Tick) + (e.isNoteOn() ? " on " : " off ") + std::to_string(e.Data1) +
+                    (e.isNoteOn() ? " " + std::to_string(e.Data2) : "") + " ch" + std::to_string(e.channel()));
+  }
+  const std::vector<std::string> expected = {
+      "0 on 38 100 ch9",  "480 off 38 ch9", "480 on 42 60 ch9", "600 off 42 ch9",
+      "600 on 38 100 ch9", "720 off 38 ch9", "720 on 38 100 ch9", "880 off 38 ch9"};
+  EXPECT_EQ(got, expected);
+  EXPECT_EQ(end, 880u);
 }
 
 }  // namespace
