@@ -75,8 +75,6 @@ TrainerWindow::TrainerWindow(ToolEnv& env, Kind kind, QWidget* parent)
   setObjectName(kind == Kind::Fretboard ? "frmFretboardKnowledge" : "frmPitchPerfector");
   setWindowTitle(kind == Kind::Fretboard ? "Fretboard Knowledge Trainer" : "Pitch Perfector");
   round_ = std::make_unique<TrainerRound>(rng_);
-  stats_ = LoadTrainerStats(env.settings, prefix_);
-  if (stats_.Category.empty()) stats_.Category = env.text(SkillCategoryKey(stats_.SkillLevel));
 
   pages_ = new QStackedWidget(this);
   // frmStats
@@ -177,6 +175,9 @@ TrainerWindow::TrainerWindow(ToolEnv& env, Kind kind, QWidget* parent)
 TrainerWindow::~TrainerWindow() { SaveTrainerStats(env_.settings, prefix_, stats_); }
 
 void TrainerWindow::showStats() {
+  // The store holds the record after every round, and the Options dialog may have reset it.
+  stats_ = LoadTrainerStats(env_.settings, prefix_);
+  if (stats_.Category.empty()) stats_.Category = env_.text(SkillCategoryKey(stats_.SkillLevel));
   pages_->setCurrentIndex(0);
   auto set = [this](const char* name, const QString& text) { labels_[name]->setText(text); };
   set("TotalRounds", QString::number(stats_.TotalRounds));
