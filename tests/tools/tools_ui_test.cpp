@@ -1,6 +1,11 @@
 // The tool windows as a user works them: clicks in the drum grid, the generator's questions,
 // the metronome's set list, a trainer round reaching the settings, the tuning library.
 #include <QApplication>
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QRadioButton>
+#include <QSpinBox>
 #include <QListWidget>
 #include <QMenuBar>
 #include <QTest>
