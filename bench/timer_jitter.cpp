@@ -14,6 +14,7 @@
 #include "playback/qt/qt_clock.h"
 #include "playback/recording_out.h"
 #include "playback/scheduler.h"
+#include "step_jitter.h"
 
 namespace {
 
@@ -28,28 +29,6 @@ QCoreApplication& App() {
   static char* argv[] = {name, nullptr};
   static QCoreApplication app(argc, argv);
   return app;
-}
-
-void Report(benchmark::State& state, std::vector<double> deviations) {
-  if (deviations.empty()) return;
-  // Drift is where the steps stand at the end, apart from the jitter of any single step: the
-  // median deviation of the last fifty steps.
-  std::vector<double> tail(deviations.end() - static_cast<long>(std::min<size_t>(50, deviations.size())), deviations.end());
-  std::nth_element(tail.begin(), tail.begin() + static_cast<long>(tail.size() / 2), tail.end());
-  const double drift = tail[tail.size() / 2];
-  state.counters["last_ms"] = deviations.back();
-  for (double& d : deviations) d = std::fabs(d);
-  std::sort(deviations.begin(), deviations.end());
-  auto pct = [&](double p) { return deviations[static_cast<size_t>(p * static_cast<double>(deviations.size() - 1))]; };
-  state.counters["steps"] = static_cast<double>(deviations.size());
-  state.counters["p50_ms"] = pct(0.50);
-  state.counters["p99_ms"] = pct(0.99);
-  state.counters["max_ms"] = deviations.back();
-  state.counters["drift_ms"] = drift;
-}
-
-void Pump(const std::function<bool()>& done) {
-  while (!done()) QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents | QEventLoop::AllEvents);
 }
 
 // The bare timer, restarted from its own handler on every step as the scheduler does.

@@ -21,6 +21,14 @@ std::map<std::string, Saver>& savers() {
   static std::map<std::string, Saver> m;
   return m;
 }
+std::map<std::pair<std::string, std::string>, Converter>& converters() {
+  static std::map<std::pair<std::string, std::string>, Converter> m;
+  return m;
+}
+std::map<std::string, Player>& players() {
+  static std::map<std::string, Player> m;
+  return m;
+}
 
 bool contains(const std::vector<std::string>& v, const std::string& s) {
   return std::find(v.begin(), v.end(), s) != v.end();
@@ -89,6 +97,18 @@ void Args::expectPositional(size_t min, size_t max) const {
 Registrar::Registrar(Verb verb) { verbList().push_back(std::move(verb)); }
 Registrar::Registrar(const std::string& ext, Loader loader) { loaders()[ext] = std::move(loader); }
 Registrar::Registrar(const std::string& ext, Saver saver) { savers()[ext] = std::move(saver); }
+Registrar::Registrar(const std::string& in, const std::string& out, Converter c) { converters()[{in, out}] = std::move(c); }
+Registrar::Registrar(const std::string& ext, Player player) { players()[ext] = std::move(player); }
+
+const Converter* FindConverter(const std::filesystem::path& in, const std::filesystem::path& out) {
+  auto it = converters().find({ExtensionOf(in), ExtensionOf(out)});
+  return it == converters().end() ? nullptr : &it->second;
+}
+
+const Player* FindPlayer(const std::filesystem::path& file) {
+  auto it = players().find(ExtensionOf(file));
+  return it == players().end() ? nullptr : &it->second;
+}
 
 const std::vector<Verb>& Verbs() {
   std::sort(verbList().begin(), verbList().end(), [](const Verb& a, const Verb& b) { return a.name < b.name; });

@@ -75,11 +75,24 @@ using Loader = std::function<void(Context&, const std::filesystem::path&, Docume
 // Writes the document to a file of some kind; the Args are those of the verb that saves.
 using Saver = std::function<void(Context&, const Document&, const std::filesystem::path&, const Args&)>;
 
+// Turns one kind of file that is not a score into another (a drum pattern into a MIDI file);
+// `convert` asks these first, by the pair of extensions.
+using Converter = std::function<void(Context&, const std::filesystem::path& in, const std::filesystem::path& out)>;
+// Plays a file that is not a score (a drum pattern, a metronome program); `play` hands such a
+// file to the player of its extension, with the verb's Args.
+using Player = std::function<int(Context&, const Args&)>;
+
 struct Registrar {
   explicit Registrar(Verb verb);
   Registrar(const std::string& extension, Loader loader);
   Registrar(const std::string& extension, Saver saver);
+  Registrar(const std::string& inExtension, const std::string& outExtension, Converter converter);
+  Registrar(const std::string& extension, Player player);
 };
+
+// Null when no converter or player is registered for the file kinds.
+const Converter* FindConverter(const std::filesystem::path& in, const std::filesystem::path& out);
+const Player* FindPlayer(const std::filesystem::path& file);
 
 const std::vector<Verb>& Verbs();
 // Lower-case extension with its dot: ".plm".

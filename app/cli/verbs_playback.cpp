@@ -79,6 +79,7 @@ int runPlay(Context& ctx, const Args& args) {
     return listDevices(ctx);
   }
   args.expectPositional(1, 1);
+  if (const Player* player = FindPlayer(args.at(0))) return (*player)(ctx, args);
   Document doc = LoadDocument(ctx, args.at(0));
   Score& score = doc.score;
   const int bars = static_cast<int>(score.BarInfos.size());
@@ -107,8 +108,9 @@ int runPlay(Context& ctx, const Args& args) {
 
 const Registrar verbPlay(Verb{
     "play",
-    "play FILE [--from BAR] [--to BAR] [--track N] [--device N] [--count-in] [--metronome] [--trace] | play --list-devices",
-    {"--from", "--to", "--track", "--device"},
+    "play FILE [--from BAR] [--to BAR] [--track N] [--device N] [--count-in] [--metronome] [--trace] | "
+    "play FILE.p4d|FILE.p4m [--loops N] [--device N] [--trace] | play --list-devices",
+    {"--from", "--to", "--track", "--device", "--loops"},
     {"--trace", "--list-devices", "--count-in", "--metronome"},
     runPlay});
 

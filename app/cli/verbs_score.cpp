@@ -133,6 +133,10 @@ int runDump(Context& ctx, const Args& args) {
 int runConvert(Context& ctx, const Args& args) {
   args.expectPositional(2, 2);
   ctx.args = &args;
+  if (const Converter* c = FindConverter(args.at(0), args.at(1))) {
+    (*c)(ctx, args.at(0), args.at(1));
+    return 0;
+  }
   Document doc = LoadDocument(ctx, args.at(0));
   SaveDocument(ctx, doc, args.at(1), args);
   return 0;

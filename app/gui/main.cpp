@@ -30,6 +30,9 @@
 #ifdef PLECTARO_HAVE_EXPORT
 #include "export_wiring.h"
 #endif
+#ifdef PLECTARO_HAVE_TOOLS
+#include "tools/ui/tools_menus.h"
+#endif
 #ifdef PLECTARO_HAVE_EDITING
 #include "editing/edit_context.h"
 #include "editing/ui/editor_input.h"
@@ -138,6 +141,20 @@ int main(int argc, char** argv) {
   if (!cmd.printStartupTime)
     QObject::connect(window.view(), &plectaro::DocumentView::firstPainted, sound,
                      [sound] { QTimer::singleShot(0, sound, [sound] { sound->loadDevice(); }); });
+#ifdef PLECTARO_HAVE_TOOLS
+  // The practice tools of the Tools menu share the player's output device.
+  // They end before the player, whose output they use.
+  auto toolWindows = std::make_unique<plectaro::ToolWindows>(
+      std::unique_ptr<plectaro::ToolEnv>(new plectaro::ToolEnv{
+          player.midi(), session.settings(), session.messages(), session.prompter(), session.folder().data(),
+          session.languageFile(), session.ini().OutputProgramID, {}}),
+      nullptr);
+  auto* tools = toolWindows.get();
+  tools->connectMenus([&window](const QString& name) { return window.action(name); });
+  window.openToolFile = [tools](const std::string& path) { return tools->openFile(path); };
+  window.closeTools = [tools] { return tools->closeAll(); };
+  if (plectaro::ToolWindows::isToolFile(cmd.file)) QTimer::singleShot(0, tools, [tools, cmd] { tools->openFile(cmd.file); });
+#endif
 #endif
 #ifdef PLECTARO_HAVE_REFERENCE
   // The chord and scale libraries: Tools > Chord Manager and Scale Manager, File > Chordbook.

@@ -107,7 +107,10 @@ bool Session::start(const CommandLine& cmd, const std::vector<std::filesystem::p
   doc_.ScoreChanged = false;
 
   bool opened = true;
-  if (!cmd.file.empty()) {
+  // A drumbeat or metronome file is for its tool, which the window opens once it is up.
+  std::string ext = std::filesystem::path(cmd.file).extension().string();
+  for (char& c : ext) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  if (!cmd.file.empty() && ext != ".p4d" && ext != ".p4m") {
     std::filesystem::path p = std::filesystem::weakly_canonical(cmd.file, ec);
     opened = files_.ForceOpenFile(ec ? cmd.file : p.string());
   }

@@ -501,7 +501,7 @@ void MainWindow::mnuToolsOptions_Click() {
 }
 
 void MainWindow::closeEvent(QCloseEvent* e) {
-  if (!session_.files().AskToSave()) {
+  if ((closeTools && !closeTools()) || !session_.files().AskToSave()) {
     e->ignore();
     return;
   }
@@ -525,7 +525,9 @@ void MainWindow::dropEvent(QDropEvent* e) {
                                 session_.messages().str("str_Error"), MessageIcon::Information);
     return;
   }
-  session_.files().openAfterAsking(urls.first().toLocalFile().toStdString());
+  const std::string path = urls.first().toLocalFile().toStdString();
+  if (openToolFile && openToolFile(path)) return;
+  session_.files().openAfterAsking(path);
 }
 
 }  // namespace plectaro

@@ -37,6 +37,12 @@ class MainWindow : public QMainWindow {
   void restoreToolbars();
   void storeToolbars();
 
+  // Opens a dropped file that a tool takes (a drumbeat, a metronome file); false for others.
+  std::function<bool(const std::string& path)> openToolFile;
+  // Closes the tool windows when the program ends; false when one of them wants to stay
+  // (its file is not saved and the user cancelled).
+  std::function<bool()> closeTools;
+
   void mnuFileProperties_Click();
   void mnuToolsOptions_Click();
 

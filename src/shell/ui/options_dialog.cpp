@@ -254,8 +254,10 @@ void OptionsDialog::resetStatistics(const char* prefix) {
   const Messages& m = session_.messages();
   if (!session_.prompter().yesNo(m.str("str_WillResetAllTraining"), m.str("str_ConfirmationRequired")))
     return;
-  for (const char* key : {"TotalRounds", "CorrectAttempts", "TotalAttempts"})
+  for (const char* key : {"TotalRounds", "CorrectAttempts", "TotalAttempts", "FailedAttempts", "RoundsWon",
+                          "RoundsLost", "SkillLevel"})
     session_.settings().SaveSetting("Tools", std::string(prefix) + key, "0");
+  session_.settings().SaveSetting("Tools", std::string(prefix) + "Category", m.str("str_AbsoluteNovice"));
   session_.settings().sync();
   session_.prompter().message(m.str("str_ResetDone"), m.str("str_Done"), MessageIcon::Information);
 }

@@ -1,0 +1,1 @@
+set(BENCH_LIBS plectaro_tools plectaro_playback_qt plectaro_playback plectaro_score)
