@@ -50,6 +50,15 @@ class ExportOut : public MidiOut {
     anchorMs_.assign(n, 0);
     passOf_.assign(n, -1);
     events.resize(n);
+    // A note-on and a note-off for every note, and room for a few more: growing vectors of a
+    // long song otherwise spend most of the export copying.
+    for (size_t t = 0; t < n; ++t) {
+      size_t notes = 0;
+      for (const auto& bar : s.Tracks[t].Bars)
+        for (const Beat& beat : bar->Beats)
+          for (const NoteSlot& slot : beat.Notes) notes += slot.hasNote();
+      events[t].reserve(notes * 2 + 64);
+    }
     for (auto& ch : sounding_) ch.fill(-1);
     program_.fill(-1);
   }
@@ -99,6 +108,7 @@ class ExportOut : public MidiOut {
         if (d2 > 0) {
           noteOff(ch, d1, pos);  // a key struck again ends its last note first
           sounding_[static_cast<size_t>(ch)][d1] = static_cast<int8_t>(t);
+          keys_[static_cast<size_t>(ch)].push_back(d1);
           put(t, pos, status, d1, d2);
         } else {
           noteOff(ch, d1, pos);
@@ -109,7 +119,10 @@ class ExportOut : public MidiOut {
         // The all-off pairs that end every beat become note-offs of what sounds, which is
         // what sequencers and notation programs need to see how long a note lasts.
         if (d1 == kAllSoundOff || d1 == kAllNotesOff) {
-          for (int key = 0; key < 128; ++key) noteOff(ch, key, pos);
+          // Every beat sends these pairs on two channels: walk only the keys that sound.
+          const std::vector<uint8_t> keys = std::move(keys_[static_cast<size_t>(ch)]);
+          keys_[static_cast<size_t>(ch)].clear();
+          for (uint8_t key : keys) noteOff(ch, key, pos);
         } else if (d1 == kBankSelect) {
           bank_[static_cast<size_t>(ch)] = d2;
         } else {
@@ -183,6 +196,7 @@ class ExportOut : public MidiOut {
   int lastTrack_ = -1;
   double lastHookMs_ = -1;
   std::array<std::array<int8_t, 128>, 16> sounding_{};  // track that sounds each key, -1 none
+  std::array<std::vector<uint8_t>, 16> keys_;  // keys struck on each channel since its last all-off
   std::array<int, 16> bank_{};
   std::array<int, 16> program_{};
 };
