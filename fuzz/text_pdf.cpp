@@ -22,7 +22,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     return 0;
   }
   size_t pages = 0;
-  for (size_t at = pdf.find("/Type /Page\r"); at != std::string::npos; at = pdf.find("/Type /Page\r", at + 1)) ++pages;
+  // Counted with the dictionary's opening line in front: the text itself may say "/Type /Page".
+  const std::string pageObject = "<<\r/Type /Page\r";
+  for (size_t at = pdf.find(pageObject); at != std::string::npos; at = pdf.find(pageObject, at + 1)) ++pages;
   if (pdf.find("/Count " + std::to_string(pages) + "\r") == std::string::npos) std::abort();
   if (pdf.size() < 7 || pdf.compare(pdf.size() - 6, 6, "%%EOF\r") != 0) std::abort();
   return 0;
