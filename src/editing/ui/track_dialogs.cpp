@@ -119,6 +119,9 @@ AddTrackDialog::AddTrackDialog(const Score& score, const std::filesystem::path& 
   auto* form = new QFormLayout;
   txtName = new QLineEdit(QString("Track %1").arg(score.Tracks.size() + 1), this);
   txtName->setObjectName("txtName");
+  // The proposed name is selected, so typing a name replaces it instead of appending to it.
+  txtName->selectAll();
+  txtName->setFocus();
   form->addRow("Name:", txtName);
   cmbInstrument = new QComboBox(this);
   cmbInstrument->setObjectName("cmbInstrument");
