@@ -9,6 +9,7 @@
 #include <filesystem>
 
 #include "exchange/midi_file.h"
+#include "../cli_runner.h"
 #include "score/file_io.h"
 
 namespace plectaro {
@@ -29,15 +30,7 @@ class MidiVerbs : public ::testing::Test {
   }
   fs::path at(const std::string& name) const { return dir_ / name; }
   int run(const std::string& args, std::string& out) {
-    const std::string cmd = std::string(PLECTARO_CLI) + " --home '" + (dir_ / "home").string() + "' " + args +
-                            " 2>'" + (dir_ / "stderr").string() + "'";
-    out.clear();
-    FILE* p = ::popen(cmd.c_str(), "r");
-    std::array<char, 4096> buf;
-    size_t n;
-    while ((n = std::fread(buf.data(), 1, buf.size(), p)) > 0) out.append(buf.data(), n);
-    const int status = ::pclose(p);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    return RunCli(dir_, args, out);
   }
   std::string err() const { return ReadWholeFile(dir_ / "stderr"); }
   fs::path dir_;

@@ -11,6 +11,7 @@
 #include "score/file_io.h"
 #include "score/music_file.h"
 #include "song_builder.h"
+#include "../cli_runner.h"
 
 namespace plectaro {
 namespace {
@@ -37,15 +38,7 @@ class PlayVerb : public ::testing::Test {
   std::string file() const { return (dir_ / "song.plm").string(); }
 
   int run(const std::string& args, std::string& out) {
-    const std::string cmd = std::string(PLECTARO_CLI) + " --home '" + (dir_ / "home").string() + "' " + args +
-                            " 2>'" + (dir_ / "stderr").string() + "'";
-    out.clear();
-    FILE* p = ::popen(cmd.c_str(), "r");
-    std::array<char, 4096> buf;
-    size_t n;
-    while ((n = std::fread(buf.data(), 1, buf.size(), p)) > 0) out.append(buf.data(), n);
-    const int status = ::pclose(p);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    return RunCli(dir_, args, out);
   }
   std::string err() const { return ReadWholeFile(dir_ / "stderr"); }
   long errLines() const {

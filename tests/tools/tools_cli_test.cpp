@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <sstream>
 
+#include "../cli_runner.h"
 #include "score/file_io.h"
 #include "score/value_text.h"
 #include "tools/drum_midi.h"
@@ -32,15 +33,7 @@ class ToolsCli : public ::testing::Test {
   fs::path path(const char* name) const { return dir_ / name; }
 
   int run(const std::string& args, std::string& out) {
-    const std::string cmd = std::string(PLECTARO_CLI) + " --home '" + (dir_ / "home").string() + "' " + args +
-                            " 2>'" + (dir_ / "stderr").string() + "'";
-    out.clear();
-    FILE* p = ::popen(cmd.c_str(), "r");
-    std::array<char, 4096> buf;
-    size_t n;
-    while ((n = std::fread(buf.data(), 1, buf.size(), p)) > 0) out.append(buf.data(), n);
-    const int status = ::pclose(p);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    return RunCli(dir_, args, out);
   }
 
   // Times of the note-ons of a trace, by key.
