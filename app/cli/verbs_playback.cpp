@@ -8,6 +8,7 @@
 #include <iostream>
 
 #include "cli.h"
+#include "live_output.h"
 #include "playback/fluidsynth_out.h"
 #include "playback/offline_play.h"
 #include "playback/output_devices.h"
@@ -40,20 +41,8 @@ int listDevices(Context& ctx) {
 // Plays in real time on Qt's event loop until the song ends or Ctrl+C, which stops it the
 // same way the Stop command does, so a hardware synthesizer keeps no hanging notes.
 int playLive(Context& ctx, const Score& score, int from, int to, int deviceRow, const PlaybackOptions& options) {
-  std::unique_ptr<QCoreApplication> ownApp;
-  if (!QCoreApplication::instance()) {
-    static int argc = 1;
-    static char name[] = "plectaro-cli";
-    static char* argv[] = {name, nullptr};
-    ownApp = std::make_unique<QCoreApplication>(argc, argv);
-  }
-  OutputDevices devices(FindSoundFont(&ctx.settings));
-  const auto list = MIDIListDevices(devices);
-  if (deviceRow < 0 || static_cast<size_t>(deviceRow) >= list.size())
-    throw UsageError("--device takes a row of play --list-devices (0 to " + std::to_string(list.size() - 1) + ")");
-  MIDIOpen(devices, list[static_cast<size_t>(deviceRow)].ItemData);
-  if (std::string why = devices.takeNotice(); !why.empty()) ctx.err << "plectaro-cli: " << why << "\n";
-
+  LiveOutput live = OpenLiveOutput(ctx, deviceRow);
+  OutputDevices& devices = *live.devices;
   QtPlaybackClock clock;
   Scheduler scheduler(devices, clock);
   scheduler.options = options;
@@ -128,6 +117,24 @@ PlaybackOptions UserPlaybackOptions(const Context& ctx, bool countIn, bool metro
     options.Effects = {ini.BendCoefficient, ini.VibratoBend, ini.WideVibratoBend, ini.VibratoCount};
   }
   return options;
+}
+
+
+LiveOutput OpenLiveOutput(Context& ctx, int deviceRow) {
+  LiveOutput live;
+  if (!QCoreApplication::instance()) {
+    static int argc = 1;
+    static char name[] = "plectaro-cli";
+    static char* argv[] = {name, nullptr};
+    live.ownApp = std::make_unique<QCoreApplication>(argc, argv);
+  }
+  live.devices = std::make_unique<OutputDevices>(FindSoundFont(&ctx.settings));
+  const auto list = MIDIListDevices(*live.devices);
+  if (deviceRow < 0 || static_cast<size_t>(deviceRow) >= list.size())
+    throw UsageError("--device takes a row of play --list-devices (0 to " + std::to_string(list.size() - 1) + ")");
+  MIDIOpen(*live.devices, list[static_cast<size_t>(deviceRow)].ItemData);
+  if (std::string why = live.devices->takeNotice(); !why.empty()) ctx.err << "plectaro-cli: " << why << "\n";
+  return live;
 }
 
 }  // namespace plectaro::cli

@@ -9,6 +9,7 @@
 #include <iostream>
 
 #include "cli.h"
+#include "live_output.h"
 #include "playback/offline_play.h"
 #include "playback/output_devices.h"
 #include "playback/qt/qt_clock.h"
@@ -64,20 +65,8 @@ int trace(Context& ctx, ToolRun& run) {
 // Real time on Qt's event loop, until the end or Ctrl+C, which stops play the same way the
 // window's Stop button does.
 int live(Context& ctx, const Args& args, ToolRun& run) {
-  std::unique_ptr<QCoreApplication> ownApp;
-  if (!QCoreApplication::instance()) {
-    static int argc = 1;
-    static char name[] = "plectaro-cli";
-    static char* argv[] = {name, nullptr};
-    ownApp = std::make_unique<QCoreApplication>(argc, argv);
-  }
-  OutputDevices devices(FindSoundFont(&ctx.settings));
-  const auto list = MIDIListDevices(devices);
-  const int row = args.intValue("--device", 0);
-  if (row < 0 || static_cast<size_t>(row) >= list.size())
-    throw UsageError("--device takes a row of play --list-devices (0 to " + std::to_string(list.size() - 1) + ")");
-  MIDIOpen(devices, list[static_cast<size_t>(row)].ItemData);
-  if (std::string why = devices.takeNotice(); !why.empty()) ctx.err << "plectaro-cli: " << why << "\n";
+  LiveOutput live = OpenLiveOutput(ctx, args.intValue("--device", 0));
+  OutputDevices& devices = *live.devices;
   QtPlaybackClock clock;
   QEventLoop loop;
   QTimer watch;
