@@ -89,6 +89,11 @@ double beatCentre(double barX, bool sig, int spacing, int k) {
   return barX + RowLayout::BeatOffset(sig, spacing, k) + 3;
 }
 
+// The staff heights step 3 and 4 units in turn, so a note far from the staff drifts off the
+// half-line grid of its 7-unit staff and a ledger line would graze its head. Heads are drawn
+// on the nearest line or space instead.
+double onStaffGrid(double y, double staffTop) { return staffTop + 3.5 * std::round((y - staffTop) / 3.5); }
+
 Color lineColor(const DrawContext& ctx) { return Color::FromStored(ctx.score.LineColor); }
 Color noteColor(const DrawContext& ctx) { return Color::FromStored(ctx.score.NoteFont.Color); }
 
@@ -208,6 +213,34 @@ void drawBassClef(Surface& s, double x, double staffTop, Color c, double size = 
   s.fillEllipse({x + 15 * size, fl + 2.1 * size, 2.4 * size, 2.4 * size}, c);
 }
 
+// The percussion clef: two thick upright bars over the middle of the staff.
+void drawPercussionClef(Surface& s, double x, double top, double height, Color c, double size = 1.0) {
+  const double h = std::min(14.0, height * 0.6) * size;
+  const double cy = top + height / 2;
+  s.fillRect({x, cy - h / 2, 2.5 * size, h}, c);
+  s.fillRect({x + 5 * size, cy - h / 2, 2.5 * size, h}, c);
+}
+
+// ---- what the tab shows of a note, shared by the drawing and by the room it needs ----
+
+std::string fretLabel(const Track& t, const NoteSlot& n) {
+  std::string text = n.Fret;
+  if (!t.DrumTrack && (text == "x" || text == "X")) text = "X";  // a dead note
+  if (n.GhostNote) text = "(" + text + ")";
+  return text;
+}
+
+const char* leftFingerLabel(int32_t finger) {
+  static constexpr std::array<const char*, 6> kLeft = {"", "T", "1", "2", "3", "4"};
+  return finger > 0 && finger <= 5 ? kLeft[static_cast<size_t>(finger)] : "";
+}
+
+std::string graceLabel(const NoteSlot& n) { return n.Grace.Fret == "x" ? "X" : n.Grace.Fret; }
+
+// The stroke arrow stands this far left of the chord; a slide into a note starts this far.
+constexpr double kStrokeGap = 9;
+constexpr double kSlideIntoReach = 12;
+
 // ---- rhythm: stems, flags, beams, shared by the tab and notation layers ----
 
 struct BeatRhythm {
@@ -271,6 +304,43 @@ std::vector<BeamGroup> groupBeams(const TrackBar& bar, const BarInfo* info, std:
   return groups;
 }
 
+struct TupletGroup {
+  int first = 0;
+  int last = 0;
+  int notes = 3;
+};
+
+// Runs of tuplet beats of one kind, each closed when it holds a whole tuplet: n notes of the
+// shortest value in the group (a quarter and an eighth make a triplet of eighths). Rests
+// belong to a group like notes, so that a group of rests still shows its number.
+std::vector<TupletGroup> groupTuplets(const TrackBar& bar) {
+  std::vector<TupletGroup> groups;
+  double nominal = 0, shortest = 0;
+  bool open = false;
+  for (size_t k = 0; k < bar.Beats.size(); ++k) {
+    const Beat& b = bar.Beats[k];
+    const bool tuplet = b.IsTuplet && b.Tuplet >= 0 && b.Tuplet < kTupletKinds;
+    if (!tuplet) {
+      open = false;
+      continue;
+    }
+    const int notes = kTupletNotes[static_cast<size_t>(b.Tuplet)];
+    if (open && (groups.back().notes != notes || groups.back().last != static_cast<int>(k) - 1)) open = false;
+    const double v = 64.0 / std::pow(2.0, std::clamp<int>(b.Length, kWhole, kSixtyFourth)) * (b.Dotted ? 1.5 : 1);
+    if (!open) {
+      groups.push_back({static_cast<int>(k), static_cast<int>(k), notes});
+      nominal = 0;
+      shortest = v;
+      open = true;
+    }
+    groups.back().last = static_cast<int>(k);
+    nominal += v;
+    shortest = std::min(shortest, v);
+    if (nominal >= notes * shortest - 1e-9) open = false;
+  }
+  return groups;
+}
+
 // ---- the drawing of one bar ----
 
 class BarPainter {
@@ -289,7 +359,10 @@ class BarPainter {
         spacing_(beatSpacingOf(ctx, bar, width)),
         line_(lineColor(ctx)),
         note_(noteColor(ctx)),
-        noteFont_(makeFont(ctx.score.NoteFont)) {}
+        noteFont_(makeFont(ctx.score.NoteFont)),
+        tuplets_(groupTuplets(tb_)) {
+    planRowHead();
+  }
 
   void frame();
   void beats();
@@ -297,11 +370,17 @@ class BarPainter {
 
  private:
   double cx(int k) const { return beatCentre(x_, sig_, spacing_, k); }
+  void planRowHead();
+  void drawRowHead();
+  double tabLeftOfBeat(int k);
+  bool strokeOnRight(int k) const { return k == 0 && head_.repeat; }
+  void drawTupletNumbers(const std::vector<double>& inkTop, const std::vector<bool>& shown, double limit);
   void drawTabHead();
+  void drawTabLetters(double centre, const Font& f);
   void drawNotationHead(bool bassClef, double staffTop);
   void drawTimeSignature(double top, double height, double size, double centreX = 66);
   void beatOnTab(int k);
-  void tabRhythm(int k, const std::vector<BeatRhythm>& r, const std::vector<BeamGroup>& groups);
+  void tabRhythm(int k, const std::vector<BeatRhythm>& r);
   void notationLayer(bool bassStaff);
   void drumLayer(double staffTop);
   void aboveSigns(int k);
@@ -325,40 +404,113 @@ class BarPainter {
   int spacing_;
   Color line_, note_;
   Font noteFont_;
+  std::vector<TupletGroup> tuplets_;
+  // The head of a row that opens without a signature: small clefs and the TAB letters, and
+  // after them the repeat sign when the bar opens a repeat. The layout gives a plain bar only
+  // 17 units before its first beat, so the head is fitted into that room.
+  struct RowHead {
+    bool present = false;
+    bool repeat = false;
+    double clefRight = 0;  // clefs stay left of this
+    double tabRight = 0;   // the TAB letters (or the percussion clef) stay left of this
+    double repeatX = 0;    // thick line of the repeat sign
+  } head_;
 };
+
+void BarPainter::planRowHead() {
+  if (sig_ || bar_ <= 0 || bar_ >= static_cast<int>(ctx_.layout.size()) ||
+      ctx_.layout[static_cast<size_t>(bar_)].RowFirstBar != bar_)
+    return;
+  head_.present = true;
+  head_.repeat = info_ && info_->RepeatOpen;
+  // Clefs first, then the repeat sign (6.6 units from its thick line to its dots) just clear
+  // of the first beat's numbers.
+  const double free = g_.tab && !tb_.Beats.empty() ? tabLeftOfBeat(0) - 1 : x_ + 18;
+  head_.repeatX = std::min(x_ + 10, free - 6.6);
+  head_.clefRight = head_.repeat ? head_.repeatX - 2 : x_ + 11;
+  head_.tabRight = std::min(head_.clefRight, free - 1.5);
+}
+
+double BarPainter::tabLeftOfBeat(int k) {
+  // The leftmost ink of a beat on the tab: numbers with their white boxes, fingerings, grace
+  // notes, slides into the note and the stroke arrow.
+  const Beat& b = tb_.Beats[static_cast<size_t>(k)];
+  const double c = cx(k);
+  double left = c - 3;
+  bool any = false;
+  for (int s = 0; s < g_.strings; ++s) {
+    const NoteSlot& n = b.Notes[static_cast<size_t>(s)];
+    if (!n.hasNote()) continue;
+    any = true;
+    const double half = s_.measureText(fretLabel(tr_, n), noteFont_).width / 2;
+    left = std::min(left, c - half - 1);
+    const Font small = plainFont(kSmallFonts, 5.5);
+    left = std::min(left, c - half - 1 - s_.measureText(leftFingerLabel(n.LeftFinger), small).width);
+    if (n.HasGrace && !n.Grace.Fret.empty())
+      left = std::min(left, c - half - 3.5 - s_.measureText(graceLabel(n), small).width);
+    if (n.Technique == kSlideIntoUp || n.Technique == kSlideIntoDown) left = std::min(left, c - kSlideIntoReach);
+  }
+  if (any && (b.Stroke == kUpStroke || b.Stroke == kDownStroke) && !strokeOnRight(k)) left = std::min(left, c - kStrokeGap - 2.5);
+  return left;
+}
+
+void BarPainter::drawRowHead() {
+  const double left = x_ + 1.5;
+  const double clefRoom = head_.clefRight - left;
+  if (!tr_.DrumTrack) {
+    if (g_.treble) {
+      // The outline clef is 14.5 units wide at full size.
+      const double size = std::clamp(clefRoom / 14.5, 0.35, 0.62);
+      drawTrebleClef(s_, left + 0.5 * size, g_.trebleTop, line_, size);
+    }
+    if (g_.bass) drawBassClef(s_, left, g_.bassTop, line_, std::clamp(clefRoom / 17.4, 0.35, 0.7));
+  } else if (g_.treble || g_.bass) {
+    drawPercussionClef(s_, left + 1, g_.treble ? g_.trebleTop : g_.bassTop, 28, line_, std::min(1.0, clefRoom / 8.5));
+  }
+  if (!g_.tab) return;
+  const double h = g_.tabBottom - g_.tabTop;
+  const double room = std::max(head_.tabRight - left, 2.0);
+  if (tr_.DrumTrack) {
+    drawPercussionClef(s_, left + 1, g_.tabTop, h, line_, std::min(1.0, room / 8.5));
+    return;
+  }
+  // The letters shrink until the widest fits the room left of the first beat.
+  Font f = plainFont(kArial, std::clamp(h / 7.5, 4.0, 6.5), true);
+  const char* letters[3] = {"T", "A", "B"};
+  double widest = 0;
+  for (const char* l : letters) widest = std::max(widest, s_.measureText(l, f).width);
+  if (widest > room) f.size = std::max(3.0, f.size * room / widest);
+  drawTabLetters(left + std::min(room, 7.0) / 2, f);
+}
+
+void BarPainter::drawTabLetters(double centre, const Font& f) {
+  const double h = g_.tabBottom - g_.tabTop;
+  const char* letters[3] = {"T", "A", "B"};
+  for (int i = 0; i < 3; ++i) {
+    const TextMetrics m = s_.measureText(letters[i], f);
+    s_.drawText({centre - m.width / 2, g_.tabTop + h * (i + 0.5) / 3 - m.height() / 2}, letters[i], f, line_);
+  }
+}
 
 void BarPainter::frame() {
   if (!g_.any()) return;
   // The bar line joins every staff of the track.
   const double right = x_ + width_;
   s_.drawLine({right, g_.firstLine}, {right, g_.lastLine}, line_);
+  if (info_ && !info_->RepeatClose && bar_ == static_cast<int>(tr_.Bars.size()) - 1) {
+    // The end of the piece: a thin and a thick line.
+    s_.fillRect({right - 2.5, g_.firstLine, 2.5, g_.lastLine - g_.firstLine}, line_);
+    s_.drawLine({right - 5, g_.firstLine}, {right - 5, g_.lastLine}, line_);
+  }
   if (!sig_) {
-    // A row that opens without a signature still shows its clefs and TAB, small enough for
-    // the narrow lead-in of a plain bar.
-    const bool rowStart = bar_ < static_cast<int>(ctx_.layout.size()) &&
-                          ctx_.layout[static_cast<size_t>(bar_)].RowFirstBar == bar_ && bar_ > 0;
-    // An opening repeat takes the whole lead-in; the row then starts with the repeat sign.
-    if (!rowStart || (info_ && info_->RepeatOpen)) return;
-    if (g_.treble && !tr_.DrumTrack) drawTrebleClef(s_, x_ + 2, g_.trebleTop, line_, 0.62);
-    if (g_.bass && !tr_.DrumTrack) drawBassClef(s_, x_ + 2, g_.bassTop, line_, 0.7);
-    if (g_.tab) {
-      const double h = g_.tabBottom - g_.tabTop;
-      const Font f = plainFont(kArial, std::clamp(h / 6.0, 4.0, 7.0), true);
-      const char* letters[3] = {"T", "A", "B"};
-      for (int i = 0; i < 3; ++i) {
-        const TextMetrics m = s_.measureText(letters[i], f);
-        s_.drawText({x_ + 8 - m.width / 2, g_.tabTop + h * (i + 0.5) / 3 - m.height() / 2}, letters[i], f, line_);
-      }
-    }
+    if (head_.present) drawRowHead();
     return;
   }
   if (g_.treble && !tr_.DrumTrack) drawNotationHead(false, g_.trebleTop);
   if (g_.bass && !tr_.DrumTrack) drawNotationHead(true, g_.bassTop);
   if (tr_.DrumTrack && (g_.treble || g_.bass)) {
     const double top = g_.treble ? g_.trebleTop : g_.bassTop;
-    // The percussion clef: two thick bars in the middle of the staff.
-    s_.fillRect({x_ + 8, top + 7, 2.5, 14}, line_);
-    s_.fillRect({x_ + 13, top + 7, 2.5, 14}, line_);
+    drawPercussionClef(s_, x_ + 8, top, 28, line_);
     drawTimeSignature(top, 28, 10.5);
   }
   if (g_.tab) drawTabHead();
@@ -375,16 +527,15 @@ void BarPainter::drawTimeSignature(double top, double height, double size, doubl
 }
 
 void BarPainter::drawTabHead() {
-  // T, A, B stacked down the strings, sized to the staff.
+  // T, A, B stacked down the strings, sized to the staff; a drum staff has its own clef.
   const double h = g_.tabBottom - g_.tabTop;
-  const double size = std::clamp(h / 4.2, 5.0, 11.0);
-  const Font f = plainFont(kArial, size, true);
-  const char* letters[3] = {"T", "A", "B"};
-  for (int i = 0; i < 3; ++i) {
-    const double cy = g_.tabTop + h * (i + 0.5) / 3;
-    const TextMetrics m = s_.measureText(letters[i], f);
-    s_.drawText({x_ + 12 - m.width / 2, cy - m.height() / 2}, letters[i], f, line_);
+  if (tr_.DrumTrack) {
+    drawPercussionClef(s_, x_ + 8, g_.tabTop, h, line_);
+    drawTimeSignature(g_.tabTop, std::max(h, 20.0), std::clamp(h / 3.2, 6.0, 14.0), 58);
+    return;
   }
+  const double size = std::clamp(h / 4.2, 5.0, 11.0);
+  drawTabLetters(x_ + 12, plainFont(kArial, size, true));
   // The tab has no key signature, so its larger figures stand further left, clear of a repeat.
   drawTimeSignature(g_.tabTop, std::max(h, 20.0), std::clamp(h / 3.2, 6.0, 14.0), 58);
 }
@@ -414,7 +565,7 @@ void BarPainter::beats() {
     std::vector<BeamGroup> groups = groupBeams(tb_, info_, r);
     for (size_t k = 0; k < tb_.Beats.size(); ++k) {
       beatOnTab(static_cast<int>(k));
-      tabRhythm(static_cast<int>(k), r, groups);
+      tabRhythm(static_cast<int>(k), r);
     }
     beams(r, groups, 0);
   }
@@ -439,9 +590,7 @@ void BarPainter::beatOnTab(int k) {
     if (!n.hasNote()) continue;
     if (highestNote < 0) highestNote = s;
     lowestNote = s;
-    std::string text = n.Fret;
-    if (!tr_.DrumTrack && (text == "x" || text == "X")) text = "X";  // a dead note
-    if (n.GhostNote) text = "(" + text + ")";
+    const std::string text = fretLabel(tr_, n);
     const double ly = g_.stringY(s);
     const TextMetrics m = s_.measureText(text, noteFont_);
     // Clear the string line behind the number so that it reads.
@@ -449,8 +598,7 @@ void BarPainter::beatOnTab(int k) {
     const Color col = BlendColor(note_, kWhite, VolumeBlendWeight(n.Volume));
     s_.drawText({c - m.width / 2, ly - m.height() / 2}, text, noteFont_, col);
     if (n.LeftFinger > 0 && n.LeftFinger <= 5) {
-      static constexpr std::array<const char*, 6> kLeft = {"", "T", "1", "2", "3", "4"};
-      const char* t = kLeft[static_cast<size_t>(n.LeftFinger)];
+      const char* t = leftFingerLabel(n.LeftFinger);
       middleText(s_, c - m.width / 2 - 1 - s_.measureText(t, small).width, ly, t, small, note_);
     }
     if (n.RightFinger > 0 && n.RightFinger <= 5) {
@@ -460,7 +608,7 @@ void BarPainter::beatOnTab(int k) {
     if (n.HasGrace && !n.Grace.Fret.empty()) {
       // The grace note: a small number before the main one, with its way into it.
       const Font gf = plainFont(kSmallFonts, 5.5);
-      const std::string gt = n.Grace.Fret == "x" ? "X" : n.Grace.Fret;
+      const std::string gt = graceLabel(n);
       const TextMetrics gm = s_.measureText(gt, gf);
       const double gx = c - m.width / 2 - 3 - gm.width;
       s_.fillRect({gx - 0.5, ly - 3, gm.width + 1, 6}, kWhite);
@@ -474,7 +622,8 @@ void BarPainter::beatOnTab(int k) {
       middleText(s_, c + m.width / 2 + 2, ly - 6, t, small, col);
     }
     if (n.Tied && k >= 0) {
-      const double from = k > 0 ? cx(k - 1) + 4 : x_ + 2;
+      // A tie into the first beat of a row starts after the row's head.
+      const double from = k > 0 ? cx(k - 1) + 4 : head_.present ? head_.tabRight + 1 : x_ + 2;
       drawArc(s_, from, c - m.width / 2 - 1, ly + 3, 4, line_);
     }
     if (n.HasBend) {
@@ -493,11 +642,12 @@ void BarPainter::beatOnTab(int k) {
     }
     linkSign(k, s, c + m.width / 2);
   }
-  if (b.Stroke == kUpStroke || b.Stroke == kDownStroke) {
-    // Beside the chord, along the strings it covers.
-    const double top = g_.stringY(static_cast<int>(std::max(0.0, highestNote))) - 3;
-    const double bottom = g_.stringY(static_cast<int>(std::max(0.0, lowestNote))) + 3;
-    const double ax = c - 9;
+  if (highestNote >= 0 && (b.Stroke == kUpStroke || b.Stroke == kDownStroke)) {
+    // Beside the chord, along the strings it covers; right of it where a repeat sign opens
+    // the row and leaves no room on the left.
+    const double top = g_.stringY(static_cast<int>(highestNote)) - 3;
+    const double bottom = g_.stringY(static_cast<int>(lowestNote)) + 3;
+    const double ax = strokeOnRight(k) ? c + kStrokeGap : c - kStrokeGap;
     s_.drawLine({ax, top}, {ax, bottom}, line_);
     if (b.Stroke == kUpStroke) drawArrowHead(s_, {ax, top - 2}, true, line_);
     else drawArrowHead(s_, {ax, bottom + 2}, false, line_);
@@ -541,7 +691,7 @@ void BarPainter::linkSign(int k, int s, double numberRight) {
   const Color col = note_;
   if (tech == kSlideIntoUp || tech == kSlideIntoDown) {
     // A short slide into the note from below or from above.
-    const double l = c - 12;
+    const double l = c - kSlideIntoReach;
     if (tech == kSlideIntoUp) s_.drawLine({l, ly + 3}, {c - 5, ly - 2}, col);
     else s_.drawLine({l, ly - 3}, {c - 5, ly + 2}, col);
     return;
@@ -581,7 +731,7 @@ void BarPainter::stemAndFlags(double x, double from, double to, int length, bool
   }
 }
 
-void BarPainter::tabRhythm(int k, const std::vector<BeatRhythm>& r, const std::vector<BeamGroup>& groups) {
+void BarPainter::tabRhythm(int k, const std::vector<BeatRhythm>& r) {
   const Beat& b = tb_.Beats[static_cast<size_t>(k)];
   const double c = cx(k);
   const double top = g_.tabBottom + 5;
@@ -595,15 +745,22 @@ void BarPainter::tabRhythm(int k, const std::vector<BeatRhythm>& r, const std::v
   }
   const Font small = plainFont(kSmallFonts, 5.5);
   if (b.Dotted) s_.fillEllipse({c + 3, bottom - 3, 2.2, 2.2}, note_);
-  if (b.IsTuplet && b.Tuplet >= 0 && b.Tuplet < kTupletKinds) {
-    // The number once under the group (or under a lone beat).
-    const int g = r[static_cast<size_t>(k)].group;
-    const bool firstOfGroup = g < 0 || groups[static_cast<size_t>(g)].first == k;
-    if (firstOfGroup) {
-      double mid = c;
-      if (g >= 0) mid = (c + cx(groups[static_cast<size_t>(g)].last)) / 2;
-      centredText(s_, mid, bottom + 2, std::to_string(kTupletNotes[static_cast<size_t>(b.Tuplet)]), small, note_);
+  // The tuplet number once under each group, rests included.
+  for (const TupletGroup& t : tuplets_)
+    if (t.first == k) centredText(s_, (c + cx(t.last)) / 2, bottom + 2, std::to_string(t.notes), small, note_);
+}
+
+void BarPainter::drawTupletNumbers(const std::vector<double>& inkTop, const std::vector<bool>& shown, double limit) {
+  // Over each group on a staff: above its highest ink (beam, stem or head) and the staff.
+  const Font small = plainFont(kSmallFonts, 5.5);
+  for (const TupletGroup& t : tuplets_) {
+    bool show = false;
+    double top = limit;
+    for (int k = t.first; k <= t.last; ++k) {
+      show = show || shown[static_cast<size_t>(k)];
+      top = std::min(top, inkTop[static_cast<size_t>(k)]);
     }
+    if (show) centredText(s_, (cx(t.first) + cx(t.last)) / 2, top - 9, std::to_string(t.notes), small, note_);
   }
 }
 
@@ -646,7 +803,7 @@ void BarPainter::notationLayer(bool bassStaff) {
       int pitch = 0;
       if (!SlotPitch(tr_, b.Notes[static_cast<size_t>(s)], s, pitch)) continue;
       if (split && (bassStaff ? pitch >= 48 : pitch < 48)) continue;
-      heads[k].push_back({base + StaffPosition(pitch, flats) + 6.5, pitch});
+      heads[k].push_back({onStaffGrid(base + StaffPosition(pitch, flats) + 6.5, staffTop), pitch});
     }
     if (!heads[k].empty()) {
       r[k].sounding = true;
@@ -672,15 +829,21 @@ void BarPainter::notationLayer(bool bassStaff) {
     gr.up = sum / count > middle;
     gr.tip = gr.up ? std::min(top - 22, middle) : std::max(bottom + 22, middle);
   }
-  const Font small = plainFont(kSmallFonts, 5.5);
+  std::vector<double> inkTop(n, staffTop);
+  std::vector<bool> shown(n, false);
   for (size_t k = 0; k < n; ++k) {
     const Beat& b = tb_.Beats[k];
     const double c = cx(static_cast<int>(k));
     if (heads[k].empty()) {
       // Only a true rest shows a rest sign; with two staves the other staff holds the notes.
-      if (b.isRest()) drawRest(s_, b.Length, c, middle, note_);
+      if (b.isRest()) {
+        drawRest(s_, b.Length, c, middle, note_);
+        shown[k] = true;
+        inkTop[k] = middle - 8;
+      }
       continue;
     }
+    shown[k] = true;
     const bool open = b.Length <= kHalf;
     const int gi = r[k].group;
     bool up = (r[k].top + r[k].bottom) / 2 > middle;
@@ -734,7 +897,7 @@ void BarPainter::notationLayer(bool bassStaff) {
       grace.Fret = n.Grace.Fret;
       int gp = 0;
       if (!SlotPitch(tr_, grace, st, gp) || (split && (bassStaff ? gp >= 48 : gp < 48))) continue;
-      const double gy = base + StaffPosition(gp, flats) + 6.5;
+      const double gy = onStaffGrid(base + StaffPosition(gp, flats) + 6.5, staffTop);
       const double gx = c - 14;
       for (double ly = staffTop - 7; ly >= gy - 1; ly -= 7) s_.drawLine({gx - 4, ly}, {gx + 4, ly}, line_);
       for (double ly = staffTop + 35; ly <= gy + 1; ly += 7) s_.drawLine({gx - 4, ly}, {gx + 4, ly}, line_);
@@ -742,27 +905,15 @@ void BarPainter::notationLayer(bool bassStaff) {
       s_.drawLine({gx + 2.3, gy}, {gx + 2.3, gy - 14}, note_, 0.8);
       s_.drawLine({gx - 1, gy - 6}, {gx + 5, gy - 11}, note_, 0.8);
     }
+    inkTop[k] = r[k].top - 4;
     if (b.Length >= kHalf) {
       const double sx = up ? c + 3.3 : c - 3.3;
       const double from = up ? r[k].bottom : r[k].top;
       stemAndFlags(sx, from, tip, b.Length, up, gi >= 0);
-    }
-    if (b.IsTuplet && b.Tuplet >= 0 && b.Tuplet < kTupletKinds) {
-      if (gi < 0 || groups[static_cast<size_t>(gi)].first == static_cast<int>(k)) {
-        double mid = c;
-        double ty = std::min(r[k].top - 30, staffTop - 9);
-        if (gi >= 0) {
-          const BeamGroup& gr = groups[static_cast<size_t>(gi)];
-          mid = (c + cx(gr.last)) / 2;
-          double highest = staffTop;
-          for (int j = gr.first; j <= gr.last; ++j) highest = std::min(highest, r[static_cast<size_t>(j)].top - 4);
-          // Over the beam when the stems rise, else over the highest head and the staff.
-          ty = (gr.up ? std::min(gr.tip, highest) : highest) - 9;
-        }
-        centredText(s_, mid, ty, std::to_string(kTupletNotes[static_cast<size_t>(b.Tuplet)]), small, note_);
-      }
+      if (up) inkTop[k] = std::min(inkTop[k], tip);
     }
   }
+  drawTupletNumbers(inkTop, shown, staffTop);
   for (const BeamGroup& gr : groups) {
     if (gr.first == gr.last) continue;
     const double x1 = cx(gr.first) + (gr.up ? 3.3 : -3.3);
@@ -786,7 +937,10 @@ void BarPainter::notationLayer(bool bassStaff) {
 
 void BarPainter::drumLayer(double staffTop) {
   // Each line of the drum tab has its own height on the staff; cymbals get cross heads.
-  for (size_t k = 0; k < tb_.Beats.size(); ++k) {
+  const size_t n = tb_.Beats.size();
+  std::vector<double> inkTop(n, staffTop);
+  const std::vector<bool> shown(n, true);
+  for (size_t k = 0; k < n; ++k) {
     const Beat& b = tb_.Beats[k];
     const double c = cx(static_cast<int>(k));
     if (b.isRest()) {
@@ -808,7 +962,9 @@ void BarPainter::drumLayer(double staffTop) {
       }
     }
     if (b.Length >= kHalf && top < 1e9) stemAndFlags(c + 3.3, top, top - 22, b.Length, true, false);
+    inkTop[k] = std::min(top - (b.Length >= kHalf ? 22 : 3), staffTop);
   }
+  drawTupletNumbers(inkTop, shown, staffTop);
 }
 
 void BarPainter::aboveSigns(int k) {
@@ -901,8 +1057,10 @@ void BarPainter::aboveSigns(int k) {
   if (!b.Text.empty()) topText(b.Text, noteFont_, note_);
   if (b.HasChord) {
     const BeatChord& ch = *b.Chord;
+    // A chord placed by name alone carries blank frets (the editor pads them with a blank).
     bool hasFrets = false;
-    for (const std::string& f : ch.Frets) hasFrets = hasFrets || !f.empty();
+    int fret = 0;
+    for (const std::string& f : ch.Frets) hasFrets = hasFrets || FretNumber(f, fret) || f == "x" || f == "X";
     if (ctx_.score.AlwaysDrawChordCharts && hasFrets) {
       chordChart(ch, c, top - 2);
       top -= 52;
@@ -914,32 +1072,42 @@ void BarPainter::aboveSigns(int k) {
 }
 
 void BarPainter::chordChart(const BeatChord& ch, double c, double bottom) {
+  // The chart as the chord library draws it: the stored frets count from StartFret (0 is the
+  // nut), so a stored 1 is the first fret row of the chart whatever fret that is on the neck,
+  // and a chart above the nut is labelled with the fret of its first row.
   const int strings = std::clamp<int>(ch.NumStrings > 0 ? ch.NumStrings : g_.strings, 1, kMaxStrings);
   const double step = 5;
   const double gridW = (strings - 1) * step;
   const double left = c - gridW / 2;
-  const double frets = 4;
-  const double gridTop = bottom - frets * 6;
+  const int frets = 5;
+  const double row = 5;
+  const double gridTop = bottom - frets * row;
   for (int i = 0; i < strings; ++i) s_.drawLine({left + i * step, gridTop}, {left + i * step, bottom}, line_, 0.7);
-  for (int f = 0; f <= frets; ++f) s_.drawLine({left, gridTop + f * 6}, {left + gridW, gridTop + f * 6}, line_, f == 0 && ch.StartFret <= 1 ? 2 : 0.7);
+  for (int f = 0; f <= frets; ++f)
+    s_.drawLine({left, gridTop + f * row}, {left + gridW, gridTop + f * row}, line_, f == 0 && ch.StartFret == 0 ? 2 : 0.7);
   const Font small = plainFont(kSmallFonts, 5);
-  if (ch.StartFret > 1) middleText(s_, left + gridW + 2, gridTop + 3, std::to_string(ch.StartFret), small, note_);
+  if (ch.StartFret > 0) middleText(s_, left + gridW + 2, gridTop + row / 2, std::to_string(ch.StartFret + 1), small, note_);
   // Chord strings run low to high left to right; string 0 of the record is the highest.
+  int lowest = 0;
+  bool muted = false;
   for (int i = 0; i < strings; ++i) {
     const std::string& fret = ch.Frets[static_cast<size_t>(i)];
     const double sx = left + (strings - 1 - i) * step;
     int f = 0;
     if (fret == "x" || fret == "X") {
+      muted = true;
       centredText(s_, sx, gridTop - 8, "x", small, note_);
-    } else if (FretNumber(fret, f)) {
-      const int rel = ch.StartFret > 1 ? f - ch.StartFret + 1 : f;
-      if (rel <= 0) {
-        s_.drawEllipse({sx - 1.5, gridTop - 5, 3, 3}, note_, 0.8);
-      } else if (rel <= frets) {
-        s_.fillEllipse({sx - 2, gridTop + (rel - 0.5) * 6 - 2, 4, 4}, note_);
-      }
+    } else if (FretNumber(fret, f) && f == 0) {
+      s_.drawEllipse({sx - 1.5, gridTop - 5, 3, 3}, note_, 0.8);
+    } else if (f > 0 && f <= frets) {
+      s_.fillEllipse({sx - 2, gridTop + (f - 0.5) * row - 2, 4, 4}, note_);
+      lowest = lowest == 0 ? f : std::min(lowest, f);
     }
   }
+  // A barre lies across the strings at the lowest fret row; a chart with muted strings leaves
+  // the barre to the dots.
+  if (ch.Barre && lowest > 0 && !muted)
+    s_.fillRect({left, gridTop + (lowest - 0.5) * row - 1.2, gridW, 2.4}, note_);
   if (!ch.Name.empty()) centredText(s_, c, gridTop - 19, ch.Name, plainFont(kArial, 8, true), note_);
 }
 
@@ -998,18 +1166,21 @@ void BarPainter::marks() {
     const double d = g_.strings % 2 ? 5 : 10;
     staves.push_back({g_.tabTop, g_.tabBottom, mid - d, mid + d});
   }
-  auto repeatSign = [&](double thickX, double thinX, double dotX) {
-    s_.fillRect({thickX - 1.5, g_.firstLine, 3, g_.lastLine - g_.firstLine}, line_);
+  auto repeatSign = [&](double thickX, double thinX, double dotX, double scale = 1.0) {
+    const double thick = 3 * scale, dot = 3 * scale;
+    s_.fillRect({thickX - thick / 2, g_.firstLine, thick, g_.lastLine - g_.firstLine}, line_);
     s_.drawLine({thinX, g_.firstLine}, {thinX, g_.lastLine}, line_);
     for (const Staff& st : staves) {
-      s_.fillEllipse({dotX - 1.5, st.dotA - 1.5, 3, 3}, line_);
-      s_.fillEllipse({dotX - 1.5, st.dotB - 1.5, 3, 3}, line_);
+      s_.fillEllipse({dotX - dot / 2, st.dotA - dot / 2, dot, dot}, line_);
+      s_.fillEllipse({dotX - dot / 2, st.dotB - dot / 2, dot, dot}, line_);
     }
   };
   if (bi.RepeatOpen) {
-    // After the signature, with the dots still clear of the first beat's numbers.
-    const double lx = x_ + (sig_ ? 72 : 2);
-    repeatSign(lx, lx + 3.5, lx + 7);
+    // After the signature, with the dots still clear of the first beat's numbers; at the head
+    // of a row, a smaller sign after the clefs.
+    const double lx = head_.repeat ? head_.repeatX : x_ + (sig_ ? 72 : 2);
+    if (head_.repeat) repeatSign(lx, lx + 3, lx + 5.5, 0.75);
+    else repeatSign(lx, lx + 3.5, lx + 7);
   }
   const double right = x_ + width_;
   // Above the stems and heads that rise over a notation staff.

@@ -152,7 +152,9 @@ TEST(DrawBar, NotationHeadsLedgerLinesAndAccidentals) {
     });
   };
   EXPECT_TRUE(headAt(300 + (-3) + 6.5));   // position -3 (pitch 64)
-  EXPECT_TRUE(headAt(300 + 45 + 6.5));     // position 45 (pitch 40)
+  // Position 45 (pitch 40) is 51.5 down; the head is drawn on the half-line grid, in the
+  // space under the third ledger line.
+  EXPECT_TRUE(headAt(300 + 52.5));
   int ledgers = 0;
   for (const DrawCall& c : s.ofKind(Kind::Line))
     if (c.points[0].y == c.points[1].y && c.points[1].x - c.points[0].x == 11 && c.points[0].y > 328) ++ledgers;
