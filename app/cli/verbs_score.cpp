@@ -13,8 +13,12 @@ namespace plectaro::cli {
 namespace {
 
 void loadPlm(Context& ctx, const std::filesystem::path& path, Document& doc) {
-  if (OpenMusicFile(doc, path, ctx.settings) == OpenOutcome::WrongFile)
+  ReadProgress progress;
+  const OpenOutcome r = OpenMusicFile(doc, path, ctx.settings, &progress);
+  if (r == OpenOutcome::WrongFile)
     throw InputError("\"" + path.string() + "\" is not a Plectaro music file");
+  // A batch run has nobody to warn, so a cut-off file is refused rather than half converted.
+  if (r == OpenOutcome::Damaged) throw InputError("\"" + path.string() + "\" is " + DescribeDamage(progress));
 }
 
 void savePlm(Context&, const Document& doc, const std::filesystem::path& path, const Args&) {

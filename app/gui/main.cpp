@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "shell/session.h"
+#include "shell/ui/autosave_timer.h"
 #include "shell/ui/document_view.h"
 #include "shell/ui/main_window.h"
 #include "shell/ui/qt_prompter.h"
@@ -181,6 +182,7 @@ int main(int argc, char** argv) {
       QTimer::singleShot(0, &app, [] { std::_Exit(0); });
     });
   }
+  plectaro::StartAutosave(&window, session);
   window.show();
   window.DrawDocument();
 #ifdef PLECTARO_HAVE_EXCHANGE

@@ -21,8 +21,11 @@ std::string lower(std::string s) {
 
 void readPlm(const std::filesystem::path& path, Document& doc, const BatchSettings& settings) {
   const MemorySettingsStore none;
-  if (OpenMusicFile(doc, path, settings.Settings ? *settings.Settings : static_cast<const SettingsStore&>(none)) == OpenOutcome::WrongFile)
-    throw FileError("\"" + path.string() + "\" is not a Plectaro music file");
+  ReadProgress progress;
+  const OpenOutcome r = OpenMusicFile(
+      doc, path, settings.Settings ? *settings.Settings : static_cast<const SettingsStore&>(none), &progress);
+  if (r == OpenOutcome::WrongFile) throw FileError("\"" + path.string() + "\" is not a Plectaro music file");
+  if (r == OpenOutcome::Damaged) throw FileError("\"" + path.string() + "\" is " + DescribeDamage(progress));
 }
 
 void readMid(const std::filesystem::path& path, Document& doc, const BatchSettings& settings) {

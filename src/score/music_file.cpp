@@ -387,6 +387,19 @@ class Reader {
 
   void piece(std::string_view p);
 
+  // True once every declared bar of every track had its beats (or its bar copy) read.
+  bool allBarsRead() const { return readTrack_ > s_.LastTrack(); }
+  ReadProgress progress() const {
+    ReadProgress r;
+    for (int t = 0; t <= s_.LastTrack(); ++t) {
+      const int bars = static_cast<int>(s_.Tracks[static_cast<size_t>(t)].Bars.size());
+      r.barsDeclared += bars;
+      if (t < readTrack_) r.barsRead += bars;
+      else if (t == readTrack_) r.barsRead += std::clamp(readBar_, 0, bars);
+    }
+    return r;
+  }
+
  private:
   using Handler = void (Reader::*)(Fields&);
   struct Entry {
@@ -850,6 +863,11 @@ size_t estimatedLength(const Score& s) {
 
 }  // namespace
 
+std::string DescribeDamage(const ReadProgress& p) {
+  return "damaged or incomplete: " + std::to_string(p.barsRead) + " of " +
+         std::to_string(p.barsDeclared) + " bars could be read";
+}
+
 std::string WriteMusicText(const Score& s) {
   std::string text;
   text.reserve(estimatedLength(s));
@@ -867,7 +885,7 @@ std::string WriteMusicText(const Score& s) {
   return text;
 }
 
-ReadOutcome ReadMusicText(std::string_view plain, Score& score) {
+ReadOutcome ReadMusicText(std::string_view plain, Score& score, ReadProgress* progress) {
   // Only the text before the last four characters of the first line counts, so a later
   // "Plectaro 4.1" would still be read.
   std::string_view line = firstLine(plain);
@@ -885,8 +903,13 @@ ReadOutcome ReadMusicText(std::string_view plain, Score& score) {
                                                                         : next - pos - 1));
     pos = next;
   }
+  // The reader itself never notices a file that stops early: it fills what it meets. Every
+  // saved file ends in CR LF after the last tag, and every bar it sizes gets its beats or a bar
+  // copy, so a file cut short fails one of the two.
+  const bool complete = reader.allBarsRead() && plain.ends_with("\r\n");
+  if (progress) *progress = reader.progress();
   score = std::move(s);
-  return ReadOutcome::Ok;
+  return complete ? ReadOutcome::Ok : ReadOutcome::Damaged;
 }
 
 void SaveMusicFile(const Score& score, const std::filesystem::path& path) {
@@ -894,24 +917,32 @@ void SaveMusicFile(const Score& score, const std::filesystem::path& path) {
 }
 
 OpenOutcome OpenMusicFile(Document& doc, const std::filesystem::path& path,
-                          const SettingsStore& settings) {
-  const std::string plain = CipherBytes(ReadWholeFile(path));
+                          const SettingsStore& settings, ReadProgress* progress) {
+  const OpenOutcome r = OpenMusicText(doc, CipherBytes(ReadWholeFile(path)), settings, progress);
+  if (r == OpenOutcome::Opened) doc.score.CurrentFileName = path.string();
+  return r;
+}
+
+OpenOutcome OpenMusicText(Document& doc, std::string_view plain, const SettingsStore& settings,
+                          ReadProgress* progress) {
   Document fresh;
   InitScore(fresh, settings);
-  if (ReadMusicText(plain, fresh.score) == ReadOutcome::WrongFile) {
+  const ReadOutcome read = ReadMusicText(plain, fresh.score, progress);
+  if (read == ReadOutcome::WrongFile) {
     ForceNewFile(doc, settings);
     return OpenOutcome::WrongFile;
   }
-  fresh.score.CurrentFileName = path.string();
+  fresh.score.CurrentFileName.clear();
   doc.score = std::move(fresh.score);
   doc.CursorTrack = doc.CursorBar = doc.CursorBeat = doc.CursorString = doc.CursorLine = 0;
   doc.PasswordEntered = false;
   // A document just opened has nothing to lose yet; asking to save it on close would only
-  // teach the user to click the question away.
-  doc.ScoreChanged = false;
+  // teach the user to click the question away. What came in of a damaged file stands nowhere
+  // on disk as it is now, so closing it asks.
+  doc.ScoreChanged = read == ReadOutcome::Damaged;
   doc.Layout.clear();
   doc.FullRelayout = true;
-  return OpenOutcome::Opened;
+  return read == ReadOutcome::Damaged ? OpenOutcome::Damaged : OpenOutcome::Opened;
 }
 
 }  // namespace plectaro

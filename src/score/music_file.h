@@ -20,25 +20,45 @@ inline constexpr std::string_view kVersionLine = "Plectaro 4.0";
 // The plain text of a music file, before enciphering.
 std::string WriteMusicText(const Score& score);
 
-enum class ReadOutcome { Ok, WrongFile };
+// Damaged: the tag stream stopped before every bar it declared had its beats, or the text
+// lacks the line end that closes every saved file (a file cut off by a full disk, a copy that
+// never finished). What could be read is in the Score all the same.
+enum class ReadOutcome { Ok, WrongFile, Damaged };
+
+// How much of a file came in: bars whose beats all arrived, of the bars its sizes declared
+// (counted over every track).
+struct ReadProgress {
+  int barsRead = 0;
+  int barsDeclared = 0;
+};
+
+// "damaged or incomplete: 17 of 1000 bars could be read", for errors of batch work.
+std::string DescribeDamage(const ReadProgress& progress);
 
 // Fills `score` from plain text. The caller hands in the Score that InitScore made, so that
 // a file without a document tag keeps the user's default for it. WrongFile when the first line
 // is not a music file's version line; `score` is then untouched. Throws FileError when the
 // tag stream declares more than the file could hold (a damaged file).
-ReadOutcome ReadMusicText(std::string_view plain, Score& score);
+ReadOutcome ReadMusicText(std::string_view plain, Score& score, ReadProgress* progress = nullptr);
 
 // Saves the score enciphered; the old file stays whole if anything fails (FileError).
 void SaveMusicFile(const Score& score, const std::filesystem::path& path);
 
-enum class OpenOutcome { Opened, WrongFile };
+enum class OpenOutcome { Opened, WrongFile, Damaged };
 
 // Opens a music file into the document, as the File > Open command does: InitScore, the tags,
 // the path as the new file name, the password asked again before the first edit.
 // - A file that cannot be read throws FileError and leaves the document as it was.
 // - A file that is not a music file (another kind of file renamed, an empty or old plain-text
 //   file) gives WrongFile and a new empty Score, the way a new file command leaves it.
+// - A damaged file gives Damaged: the document holds what could be read, takes no file name
+//   (so that a save cannot overwrite the damaged original) and counts as changed.
 OpenOutcome OpenMusicFile(Document& doc, const std::filesystem::path& path,
-                          const SettingsStore& settings);
+                          const SettingsStore& settings, ReadProgress* progress = nullptr);
+
+// OpenMusicFile on plain text already deciphered, for files that wrap a music file (recovery).
+// The document takes no file name; the caller gives it one.
+OpenOutcome OpenMusicText(Document& doc, std::string_view plain, const SettingsStore& settings,
+                          ReadProgress* progress = nullptr);
 
 }  // namespace plectaro

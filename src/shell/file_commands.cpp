@@ -71,9 +71,22 @@ bool FileCommands::ForceOpenFile(const std::string& path) {
   try {
     // OpenMusicFile reads the whole file before it touches the document, so a file that cannot
     // be read leaves the open document as it was.
-    if (OpenMusicFile(doc_, path, settings_) == OpenOutcome::WrongFile) {
+    ReadProgress progress;
+    const OpenOutcome r = OpenMusicFile(doc_, path, settings_, &progress);
+    if (r == OpenOutcome::WrongFile) {
       prompter_.message(str("str_InvalidFile") + "\n" + path, str("str_Error"),
                         MessageIcon::Critical);
+      replaced();
+      nameChanged();
+      return true;
+    }
+    if (r == OpenOutcome::Damaged) {
+      // What could be read is shown, but under no name: Ctrl+S must not write the cut-off
+      // song over the file the user may still rescue some other way.
+      prompter_.message(str("txt_DamagedFile1") + fileNameOf(path) + str("txt_DamagedFile2") +
+                            std::to_string(progress.barsRead) + str("txt_DamagedFile3") +
+                            std::to_string(progress.barsDeclared) + str("txt_DamagedFile4"),
+                        str("str_Error"), MessageIcon::Warning);
       replaced();
       nameChanged();
       return true;
@@ -105,6 +118,7 @@ bool FileCommands::ForceSaveFile(const std::string& path) {
   doc_.ScoreChanged = false;
   AddRecentFile();
   nameChanged();
+  if (saved) saved();
   return true;
 }
 
@@ -125,29 +139,34 @@ void FileCommands::mnuFileOpen_Click() {
   ForceOpenFile(*path);
 }
 
-bool FileCommands::mnuFileSave_Click() {
-  if (doc_.score.CurrentFileName.empty()) {
-    auto path = prompter_.saveFileName(str("mnuFileSaveAs"), str("txt_SaveFilter"), "");
-    if (!path || path->empty()) return false;
-    std::string target = *path;
-    if (std::filesystem::path(target).extension().empty()) target += ".plm";
-    std::error_code ec;
-    if (std::filesystem::exists(target, ec) &&
-        !prompter_.yesNo(str("str_FileExists1") + fileNameOf(target) + str("str_FileExists2"),
-                         str("str_ConfirmationRequired")))
-      return false;
-    doc_.score.CurrentFileName = target;
-  }
-  return ForceSaveFile(doc_.score.CurrentFileName);
+FileCommands::SaveResult FileCommands::save() {
+  if (!doc_.score.CurrentFileName.empty())
+    return ForceSaveFile(doc_.score.CurrentFileName) ? SaveResult::Saved : SaveResult::Failed;
+  auto path = prompter_.saveFileName(str("mnuFileSaveAs"), str("txt_SaveFilter"), "");
+  if (!path || path->empty()) return SaveResult::Cancelled;
+  std::string target = *path;
+  if (std::filesystem::path(target).extension().empty()) target += ".plm";
+  std::error_code ec;
+  if (std::filesystem::exists(target, ec) &&
+      !prompter_.yesNo(str("str_FileExists1") + fileNameOf(target) + str("str_FileExists2"),
+                       str("str_ConfirmationRequired")))
+    return SaveResult::Cancelled;
+  // ForceSaveFile names the document only once the file is written.
+  return ForceSaveFile(target) ? SaveResult::Saved : SaveResult::Failed;
 }
+
+bool FileCommands::mnuFileSave_Click() { return save() == SaveResult::Saved; }
 
 bool FileCommands::mnuFileSaveAs_Click() {
   // The name is given up first: a cancelled Save As leaves the document without a name, and
-  // the next Save asks again.
+  // the next Save asks again. A save that failed keeps the last name that worked, so the
+  // window's title still tells where the song lives.
+  const std::string before = doc_.score.CurrentFileName;
   doc_.score.CurrentFileName.clear();
-  const bool saved = mnuFileSave_Click();
+  const SaveResult r = save();
+  if (r == SaveResult::Failed) doc_.score.CurrentFileName = before;
   nameChanged();
-  return saved;
+  return r == SaveResult::Saved;
 }
 
 void FileCommands::mnuFileOpenRecentItem_Click(int index) {

@@ -26,9 +26,12 @@ class FileCommands {
   std::function<void()> documentReplaced;
   // Called after the file name or the recent-file list changed.
   std::function<void()> fileNameChanged;
+  // Called after the document was written to its file.
+  std::function<void()> saved;
 
   // Opens by extension without asking first. ".plm" opens; an old ".pl4" and file kinds that
-  // belong to tools give a message and keep the document. true when the document was replaced.
+  // belong to tools give a message and keep the document. A damaged file opens with a message
+  // saying how much was read, and without a file name. true when the document was replaced.
   bool ForceOpenFile(const std::string& path);
   // Saves without asking; a failure names the file and the reason and changes nothing.
   bool ForceSaveFile(const std::string& path);
@@ -65,6 +68,9 @@ class FileCommands {
   const Messages& msg_;
   Prompter& prompter_;
 
+  enum class SaveResult { Saved, Cancelled, Failed };
+  // Save under the current name, or ask for one when there is none.
+  SaveResult save();
   void replaced();
   void nameChanged();
   const std::string& str(std::string_view key) const { return msg_.str(key); }

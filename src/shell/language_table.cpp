@@ -518,6 +518,16 @@ mnuEditRedo=&Redo
 mnuEditSelectAll=Select &All Bars
 mnuEditSelectAllTracks=Select All Bars in All &Tracks
 mnuHelpShortcuts=&Shortcut Keys
+txt_DamagedFile1=The file '
+txt_DamagedFile2=' is damaged or incomplete. Bars read: 
+txt_DamagedFile3= of 
+txt_DamagedFile4=. It has been opened without a file name, so that saving cannot overwrite it.
+txt_Recover1=Plectaro was not closed properly. Changes to '
+txt_Recover2=' were kept for recovery at 
+txt_Recover3=. Would you like to restore them?
+txt_RecoverTitle=Recovery
+txt_RecoveryDamaged1=A recovery file is damaged and cannot be restored. It has been kept aside as '
+txt_RecoveryDamaged2='.
 @frmMetronome
 Caption=Metronome
 @frmMusicPaper
@@ -579,6 +589,7 @@ lblBend=Bend coefficient:
 lblVibratoBend=Normal vibrato bend:
 lblWideVibratoBend=Wide vibrato bend:
 lblVibratoCount=Vibrato count:
+lblAutosave=Keep a recovery copy every (minutes, 0 for never):
 @frmPitchPerfector
 Caption=Pitch Perfector
 str_CorrectGuessesOutOF= correct guesses out of 

@@ -5,6 +5,7 @@
 #include "score/value_text.h"
 
 #include <algorithm>
+#include <ctime>
 #include "shell/qt_settings_store.h"
 
 namespace plectaro {
@@ -81,7 +82,12 @@ Session::Session(AppFolder folder, Prompter& prompter)
     : folder_(std::move(folder)),
       prompter_(prompter),
       store_(std::make_unique<QtSettingsStore>(folder_.settingsFile())),
-      files_(doc_, *store_, ini_, messages_, prompter) {}
+      files_(doc_, *store_, ini_, messages_, prompter) {
+  // A saved document has nothing left to recover.
+  files_.saved = [this] {
+    if (autosave_) autosave_->discard();
+  };
+}
 
 Session::~Session() = default;
 
@@ -106,11 +112,16 @@ bool Session::start(const CommandLine& cmd, const std::vector<std::filesystem::p
   // Nothing to lose in the empty document of a fresh start.
   doc_.ScoreChanged = false;
 
+  autosave_ = std::make_unique<Autosave>(folder_.data());
+  // Work rescued from a crash comes before the file of the command line: the user can open that
+  // again, but the rescued edits exist nowhere else.
+  const bool recovered = !cmd.printStartupTime && offerRecovery();
+
   bool opened = true;
   // A drumbeat or metronome file is for its tool, which the window opens once it is up.
   std::string ext = std::filesystem::path(cmd.file).extension().string();
   for (char& c : ext) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-  if (!cmd.file.empty() && ext != ".p4d" && ext != ".p4m") {
+  if (!recovered && !cmd.file.empty() && ext != ".p4d" && ext != ".p4m") {
     std::filesystem::path p = std::filesystem::weakly_canonical(cmd.file, ec);
     opened = files_.ForceOpenFile(ec ? cmd.file : p.string());
   }
@@ -133,6 +144,7 @@ bool Session::start(const CommandLine& cmd, const std::vector<std::filesystem::p
 }
 
 void Session::shutdown() {
+  if (autosave_) autosave_->discard();
   store_->SaveSetting("AESTHETIC", "DONOTCHANGE1", std::to_string(FretboardStyle));
   store_->SaveSetting("AESTHETIC", "DONOTCHANGE2", std::to_string(FretboardMarker));
   store_->sync();
@@ -143,6 +155,55 @@ void Session::shutdown() {
     prompter_.message(messages_.str("str_FileError") + "\n" + e.what(),
                       messages_.str("str_Error"), MessageIcon::Warning);
   }
+}
+
+bool Session::autosaveNow(std::time_t now) {
+  if (!autosave_) return false;
+  try {
+    return autosave_->save(doc_, now);
+  } catch (const FileError&) {
+    // A full disk must not pester the user every minute; the last good recovery file stays.
+    return false;
+  }
+}
+
+namespace {
+
+std::string localTimeText(std::time_t t) {
+  std::tm tm{};
+  localtime_r(&t, &tm);
+  char text[32];
+  return std::strftime(text, sizeof text, "%Y-%m-%d %H:%M", &tm) ? text : "?";
+}
+
+}  // namespace
+
+bool Session::offerRecovery() {
+  const auto str = [this](std::string_view key) -> const std::string& { return messages_.str(key); };
+  for (RecoveryFile& f : FindRecoveryFiles(folder_.data())) {
+    Document restored;
+    try {
+      ReadRecoveryFile(f, restored, *store_);
+    } catch (const FileError&) {
+      const auto aside = SetRecoveryFileAside(f.path);
+      prompter_.message(str("txt_RecoveryDamaged1") + aside.string() + str("txt_RecoveryDamaged2"),
+                        str("str_Error"), MessageIcon::Warning);
+      continue;
+    }
+    const std::string name = f.documentName.empty()
+                                 ? str("txt_Unsaved")
+                                 : std::filesystem::path(f.documentName).filename().string();
+    const bool restore = prompter_.yesNo(str("txt_Recover1") + name + str("txt_Recover2") +
+                                             localTimeText(f.savedAt) + str("txt_Recover3"),
+                                         str("txt_RecoverTitle"));
+    RemoveRecoveryFile(f.path);
+    if (!restore) continue;
+    doc_ = std::move(restored);
+    // At once under this editor's own file, so that a second crash loses nothing either.
+    autosaveNow(std::time(nullptr));
+    return true;
+  }
+  return false;
 }
 
 std::vector<std::string> Session::languages() const {

@@ -15,6 +15,7 @@
 #include "shell/ini_settings.h"
 #include "shell/language.h"
 #include "shell/prompter.h"
+#include "shell/recovery.h"
 
 namespace plectaro {
 
@@ -22,7 +23,7 @@ struct CommandLine {
   std::string home;        // --home DIR
   std::string file;        // a file to open
   std::string webAddress;  // an http(s):// address handed over for the web tab import
-  bool printStartupTime = false;
+  bool printStartupTime = false;  // also skips the recovery question, which would stop the clock
   std::string error;       // non-empty on wrong usage
 };
 
@@ -49,8 +50,16 @@ class Session {
   // file, and on a first run the defaults and a new PL4.ini. Returns the file's open result
   // (true when there was no file).
   bool start(const CommandLine& cmd, const std::vector<std::filesystem::path>& seedFolders);
-  // Writes the settings; a failure is reported and the old file stays.
+  // Writes the settings; a failure is reported and the old file stays. A clean exit leaves no
+  // recovery file.
   void shutdown();
+
+  // Writes the recovery file if the document has unsaved changes it does not hold yet; the
+  // window calls this on its autosave timer. false when nothing was written (also when the
+  // disk refused: the next tick tries again, and the user's file is never touched).
+  bool autosaveNow(std::time_t now);
+  // Minutes between autosaves from the settings; 0 when turned off.
+  int autosaveMinutes() const { return AutosaveMinutes(*store_); }
 
   // Copies the chosen language over CurrentLanguage.txt; false if it could not.
   bool chooseLanguage(const std::string& name);
@@ -79,8 +88,13 @@ class Session {
   Messages messages_;
   Document doc_;
   FileCommands files_;
+  std::unique_ptr<Autosave> autosave_;
   bool firstRun_ = false;
   std::string startAddress_;
+
+  // Offers the recovery files that crashed or killed editors left, newest first; true when
+  // one was restored into the document.
+  bool offerRecovery();
 };
 
 }  // namespace plectaro

@@ -171,6 +171,55 @@ TEST_F(FileCommandsTest, OpenFailuresKeepTheDocumentOrStartANewOne) {
   for (const auto& r : ini.RecentFiles) EXPECT_TRUE(r.empty() || r == demo()) << r;
 }
 
+// A file cut off anywhere past its version line (a full disk, a copy that never finished)
+// opens with what could be read, a message saying how much, and no file name, so that Ctrl+S
+// cannot write the remains over it.
+TEST_F(FileCommandsTest, CutOffFileOpensWithAMessageAndNoName) {
+  const std::string whole = ReadWholeFile(demo());
+  ASSERT_GT(whole.size(), 2000u);
+  int lastRead = -1;
+  for (double share : {0.002, 0.01, 0.05, 0.1, 0.25, 0.4, 0.6, 0.8, 0.95, 0.9999}) {
+    const size_t cut = std::max<size_t>(16, static_cast<size_t>(share * double(whole.size())));
+    SCOPED_TRACE(cut);
+    WriteFileAtomically(dir / "cut.plm", whole.substr(0, cut));
+    ASSERT_TRUE(files.ForceOpenFile(demo()));
+    edit();
+    prompter.clear();
+    ASSERT_TRUE(files.ForceOpenFile(path("cut.plm")));
+    ASSERT_EQ(prompter.asked().size(), 1u);
+    const std::string& text = prompter.asked()[0].text;
+    EXPECT_EQ(text.rfind("The file 'cut.plm' is damaged or incomplete. Bars read: ", 0), 0u) << text;
+    const int read = std::stoi(text.substr(text.find("read: ") + 6));
+    EXPECT_GE(read, lastRead) << "a longer piece of the file never gives fewer bars";
+    lastRead = read;
+    EXPECT_EQ(doc.score.CurrentFileName, "");
+    EXPECT_TRUE(doc.ScoreChanged);
+    EXPECT_NE(doc.score.Title, "Edited");
+    EXPECT_EQ(ReadWholeFile(dir / "cut.plm").size(), cut);
+    for (const auto& r : ini.RecentFiles) EXPECT_NE(r, path("cut.plm"));
+  }
+  EXPECT_GT(lastRead, 0);
+  // The whole file still opens silently.
+  prompter.clear();
+  ASSERT_TRUE(files.ForceOpenFile(demo()));
+  EXPECT_TRUE(prompter.asked().empty());
+}
+
+// A Save As that fails keeps the name that last worked; one the user cancels gives it up, and
+// the next Save asks again.
+TEST_F(FileCommandsTest, FailedSaveAsKeepsTheOldName) {
+  ASSERT_TRUE(files.ForceOpenFile(demo()));
+  edit();
+  prompter.pushText(path("no-such-folder/song.plm"));
+  EXPECT_FALSE(files.mnuFileSaveAs_Click());
+  EXPECT_EQ(doc.score.CurrentFileName, demo());
+  EXPECT_TRUE(doc.ScoreChanged);
+  EXPECT_NE(prompter.asked().back().text.find("could not be saved"), std::string::npos);
+  prompter.pushText(std::nullopt);
+  EXPECT_FALSE(files.mnuFileSaveAs_Click());
+  EXPECT_EQ(doc.score.CurrentFileName, "");
+}
+
 TEST_F(FileCommandsTest, PasswordIsAskedBeforeTheFirstEditOnly) {
   doc.score.PasswordProtected = true;
   doc.score.Password = "Riff";

@@ -57,6 +57,14 @@ OptionsDialog::OptionsDialog(Session& session, QWidget* parent)
   QWidget* files = page("tabFileHandling");
   check(files, "chkCopyright", &IniSettings::CopyrightWarning);
   spin(files, "lblMaxLineLength", &IniSettings::MaxLineLength, 20, 1000);
+  // The autosave interval lives in the settings store: PL4.ini has a fixed line for everything.
+  auto* autosaveLabel = new QLabel(files);
+  autosaveLabel->setObjectName("lblAutosave");
+  autosave_ = new QSpinBox(files);
+  autosave_->setObjectName("vbAutosave");
+  autosave_->setRange(0, 600);
+  static_cast<QFormLayout*>(files->layout())->addRow(autosaveLabel, autosave_);
+  autosave_->setValue(AutosaveMinutes(session_.settings()));
 
   QWidget* langs = page("tabLanguages");
   auto* ll = new QLabel(langs);
@@ -232,6 +240,7 @@ bool OptionsDialog::apply() {
   if (edit_.MaxTabX < edit_.MinTabX) edit_.MaxTabX = edit_.MinTabX;
   edit_.BendCoefficient = bend_->value();
   edit_.OutputDeviceID = std::max(0, devices_->currentRow());
+  session_.settings().SaveSetting(kAutosaveSection, kAutosaveKey, std::to_string(autosave_->value()));
   IniSettings& live = session_.ini();
   // Toolbars, their places and the recent files are not options; keep what the window has.
   edit_.ToolbarVisible = live.ToolbarVisible;
@@ -248,6 +257,7 @@ void OptionsDialog::defaults() {
   if (!session_.prompter().yesNo(m.str("str_AllOptionsWillReset"), m.str("str_ConfirmationRequired")))
     return;
   fromSettings(IniSettings());
+  autosave_->setValue(kDefaultAutosaveMinutes);
 }
 
 void OptionsDialog::resetStatistics(const char* prefix) {

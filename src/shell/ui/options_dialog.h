@@ -38,6 +38,7 @@ class OptionsDialog : public QDialog {
   std::vector<std::pair<QCheckBox*, bool IniSettings::*>> checks_;
   std::vector<std::pair<QSpinBox*, int IniSettings::*>> spins_;
   QDoubleSpinBox* bend_ = nullptr;
+  QSpinBox* autosave_ = nullptr;
 
   QWidget* page(const char* name);
   QCheckBox* check(QWidget* page, const char* name, bool IniSettings::*field);
