@@ -7,6 +7,8 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -65,6 +67,19 @@ std::vector<std::filesystem::path> seedFolders() {
   seeds.emplace_back(PLECTARO_DATA_DIR);
 #endif
   return seeds;
+}
+
+// A size line of /proc/self/status ("VmRSS:", "VmHWM:") in megabytes; 0 when there is none.
+double statusMegabytes(const char* key) {
+  std::FILE* f = std::fopen("/proc/self/status", "r");
+  if (!f) return 0;
+  char line[256];
+  double kb = 0;
+  const size_t n = std::strlen(key);
+  while (std::fgets(line, sizeof line, f))
+    if (std::strncmp(line, key, n) == 0) kb = std::atof(line + n);
+  std::fclose(f);
+  return kb / 1024.0;
 }
 
 }  // namespace
@@ -177,6 +192,8 @@ int main(int argc, char** argv) {
                             std::chrono::steady_clock::now() - kProcessStart)
                             .count();
       std::printf("startup_ms %.1f\n", ms);
+      // Memory beside the time: resident now, and the most it has been.
+      std::printf("memory_mb %.1f\npeak_memory_mb %.1f\n", statusMegabytes("VmRSS:"), statusMegabytes("VmHWM:"));
       std::fflush(stdout);
       // Leave without the shutdown's settings write: a timing run changes nothing.
       QTimer::singleShot(0, &app, [] { std::_Exit(0); });

@@ -89,6 +89,7 @@ PlaybackWiring::PlaybackWiring(MainWindow& window, Session& session, Player& pla
 void PlaybackWiring::loadDevice() {
   applyOptions();
   player_.LoadMIDI(session_.ini().OutputDeviceID, player_.options().OutputBank);
+  player_.selectInstruments(session_.doc().score);
 }
 
 void PlaybackWiring::applyOptions() {

@@ -88,6 +88,11 @@ int FluidSynthOut::openDevice(int deviceNumber) {
     fluid_settings_setnum(impl->settings, "synth.sample-rate", config_.SampleRate);
     fluid_settings_setnum(impl->settings, "synth.gain", config_.Gain);
     fluid_settings_setint(impl->settings, "synth.reverb.active", 1);
+    // Only the samples of the instruments the channels have selected are read into memory,
+    // when they are selected: a song of three instruments keeps a few megabytes of a General
+    // MIDI SoundFont instead of all of it, and the font opens in a fraction of the time. The
+    // samples of a program change are in before the call returns, so the next note sounds.
+    fluid_settings_setint(impl->settings, "synth.dynamic-sample-loading", 1);
     impl->synth = new_fluid_synth(impl->settings);
     if (!impl->synth) {
       failure_ = "the built-in synthesizer could not start: " + takeFluidError();

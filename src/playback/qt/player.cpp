@@ -160,12 +160,22 @@ void Player::start(const Document& doc, const std::function<void()>& begin) {
   if (scheduler_->playing()) scheduler_->StopTab();
   snapshot_ = doc.score;
   shown_ = &doc;
+  // Before the clock starts: an instrument whose sounds load on first use then delays the
+  // start a little instead of the first beat against the rest.
+  selectInstruments(doc.score);
   options_.CurrentTrack = doc.CursorTrack;
   scheduler_->options = options_;
   lastFollowBar_ = -1;
   begin();
   if (scheduler_->playing()) emit playingChanged(true);
   reportSilence();
+}
+
+void Player::selectInstruments(const Score& score) {
+  for (const Track& t : score.Tracks) {
+    MIDIProgramChange(*out_, t.Channel, options_.OutputBank, t.Instrument);
+    MIDIProgramChange(*out_, t.EffectChannel, options_.OutputBank, t.Instrument);
+  }
 }
 
 void Player::stop() {

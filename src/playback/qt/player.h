@@ -66,6 +66,9 @@ class Player : public QObject {
   // The speed trainer dialog: loop bars, faster each pass.
   void playTrainer(const Document& doc, const SpeedTrainer& trainer);
   void stop();
+  // Sends each track's instrument to its channels, as playback would. The built-in synthesizer
+  // reads an instrument's sounds when it is first chosen, so this gets them in ahead of time.
+  void selectInstruments(const Score& score);
   bool isPlaying() const;
 
   // Play as typed: sounds beat (track, bar, beat) with its effects and silences it again
