@@ -241,15 +241,21 @@ Score waltz() {
     const char* t3;
     const char* top;
     const char* name;
+    const char* chart;  // the chart's frets from string 0, counted from startFret
+    int startFret;
+    bool barre;
   };
+  // The charts show the shapes to hold while the arpeggio rings; the second A minor is the
+  // barre shape at the fifth fret, drawn above the nut.
   const Arp arps[6] = {
-      {". . . . 0 .", ". . 2 . . .", ". 1 . . . .", "0 . . . . .", ". 1 . . . .", "Am"},
-      {". . . 0 . .", ". . 2 . . .", ". 3 . . . .", "1 . . . . .", ". 3 . . . .", "Dm"},
-      {". . . . . 0", ". . 1 . . .", ". 0 . . . .", "0 . . . . .", ". 3 . . . .", "E7"},
-      {". . . . 0 .", ". . 2 . . .", ". 1 . . . .", "0 . . . . .", ". 1 . . . .", "Am"},
-      {". . . 3 . .", ". . 2 . . .", ". 1 . . . .", "1 . . . . .", ". 1 . . . .", "F"},
-      {". . . . 3 .", ". . 0 . . .", ". 1 . . . .", "0 . . . . .", ". 1 . . . .", "C"},
+      {". . . . 0 .", ". . 2 . . .", ". 1 . . . .", "0 . . . . .", ". 1 . . . .", "Am", "0 1 2 2 0 x", 0, false},
+      {". . . 0 . .", ". . 2 . . .", ". 3 . . . .", "1 . . . . .", ". 3 . . . .", "Dm", "1 3 2 0 x x", 0, false},
+      {". . . . . 0", ". . 1 . . .", ". 0 . . . .", "0 . . . . .", ". 3 . . . .", "E7", "0 0 1 0 2 0", 0, false},
+      {". . . . 0 .", ". . 2 . . .", ". 1 . . . .", "0 . . . . .", ". 1 . . . .", "Am", "1 1 1 3 3 1", 4, true},
+      {". . . 3 . .", ". . 2 . . .", ". 1 . . . .", "1 . . . . .", ". 1 . . . .", "F", "1 1 2 3 3 1", 0, true},
+      {". . . . 3 .", ". . 0 . . .", ". 1 . . . .", "0 . . . . .", ". 1 . . . .", "C", "0 1 0 2 3 x", 0, false},
   };
+  s.AlwaysDrawChordCharts = true;
   // Bars 0-5: bass quarter, three triplet eighths, a quarter on top.
   for (int b = 0; b < 6; ++b) {
     const Arp& a = arps[b];
@@ -260,8 +266,11 @@ Score waltz() {
     BeatChord& c = first.Chord.mut();
     c.Name = a.name;
     c.NumStrings = 6;
-    c.StartFret = 1;
+    c.StartFret = static_cast<int16_t>(a.startFret);
+    c.Barre = a.barre;
     c.Tuning = {64, 59, 55, 50, 45, 40, 0};
+    std::istringstream chart(a.chart);
+    for (size_t str = 0; str < 6 && chart >> c.Frets[str];) ++str;
   }
   // Bar 6: a dotted quarter, an eighth and a quarter; bar 7: the closing dotted half.
   setBar(s, 0, 6, {{kQuarter, ". . 1 . . 0", true}, {kEighth, ". 0 . . . ."}, {kQuarter, "0 . . . . ."}});
