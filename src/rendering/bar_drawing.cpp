@@ -1049,10 +1049,29 @@ void BarPainter::aboveSigns(int k) {
   // Clear of the stems that rise above a notation staff.
   const double over = (g_.treble || g_.bass) && !tr_.DrumTrack ? 26 : 6;
   double top = g_.firstLine - over;
+  if (ctx_.overRowTop != g_.firstLine) {
+    ctx_.overRowTop = g_.firstLine;
+    ctx_.overRow.clear();
+  }
+  // Takes a place of this size left-aligned at x, as low as it fits over the row: a text
+  // that would run into one before it in the row climbs above it.
+  auto place = [&](double x, double w, double h) {
+    for (bool moved = true; moved;) {
+      moved = false;
+      for (const Rect& r : ctx_.overRow) {
+        if (x < r.right() + 3 && r.x < x + w + 3 && top - h < r.bottom() && r.y < top) {
+          top = r.y;
+          moved = true;
+        }
+      }
+    }
+    top -= h;
+    ctx_.overRow.push_back({x, top, w, h});
+    return top;
+  };
   auto topText = [&](const std::string& text, const Font& f, Color col) {
     const TextMetrics m = s_.measureText(text, f);
-    top -= m.height();
-    s_.drawText({c - 3, top}, text, f, col);
+    s_.drawText({c - 3, place(c - 3, m.width, m.height())}, text, f, col);
   };
   if (!b.Text.empty()) topText(b.Text, noteFont_, note_);
   if (b.HasChord) {
@@ -1062,8 +1081,7 @@ void BarPainter::aboveSigns(int k) {
     int fret = 0;
     for (const std::string& f : ch.Frets) hasFrets = hasFrets || FretNumber(f, fret) || f == "x" || f == "X";
     if (ctx_.score.AlwaysDrawChordCharts && hasFrets) {
-      chordChart(ch, c, top - 2);
-      top -= 52;
+      chordChart(ch, c, place(c - 16, 32, 52) + 50);
     } else if (!ch.Name.empty()) {
       topText(ch.Name, plainFont(kArial, 8, true), note_);
     }

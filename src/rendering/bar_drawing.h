@@ -28,6 +28,10 @@ struct DrawContext {
   int cursorString = 0;
   // Notes before each bar, for the lyric syllables; filled on first use in a pass.
   std::vector<int> notesBeforeBar;
+  // What stands over the current row (texts, chord names and charts), so that a long text
+  // does not run into the next one; cleared when a bar of another row is drawn.
+  double overRowTop = -1e300;
+  std::vector<Rect> overRow;
 
   const Track& trackRef() const { return score.Tracks[static_cast<size_t>(track)]; }
 };

@@ -235,3 +235,43 @@ TEST(ChordChart, StoredFretsCountFromTheChartsFirstFret) {
 
 }  // namespace
 }  // namespace plectaro
+
+namespace plectaro {
+namespace {
+
+TEST(OverTheRow, LongTextsClimbOverEachOtherInsteadOfRunningTogether) {
+  // Texts on neighbouring beats, in one bar and across the bar line, with a chord name.
+  Document doc = test::MakeDoc(2, 4);
+  doc.score.beatMut(0, 0, 2).Text = "Bend and release";
+  doc.score.beatMut(0, 0, 3).Text = "Pre-bend";
+  doc.score.beatMut(0, 1, 0).Text = "Vibrato and more";
+  Beat& chord = doc.score.beatMut(0, 1, 0);
+  chord.HasChord = true;
+  chord.Chord.mut().Name = "Am";
+  LayoutSettings settings;
+  ASSERT_TRUE(LayoutTrack(doc, 0, settings, DrawTexts{}).Ok);
+  RecordingSurface s;
+  DrawContext ctx{doc.score, 0, settings, doc.Layout[0], s};
+  for (int bar = 0; bar < 2; ++bar) {
+    const BarLayout& l = doc.Layout[0][static_cast<size_t>(bar)];
+    DrawBar(ctx, l.DrawX, 0, bar, l.DrawWidth);
+  }
+  std::vector<Rect> boxes;
+  for (const DrawCall& d : s.ofKind(Kind::Text)) {
+    if (d.text != "Bend and release" && d.text != "Pre-bend" && d.text != "Vibrato and more" && d.text != "Am")
+      continue;
+    const TextMetrics m = s.measureText(d.text, d.font);
+    boxes.push_back({d.points[0].x, d.points[0].y, m.width, m.height()});
+  }
+  ASSERT_EQ(boxes.size(), 4u);
+  for (size_t i = 0; i < boxes.size(); ++i)
+    for (size_t j = i + 1; j < boxes.size(); ++j) {
+      const Rect& a = boxes[i];
+      const Rect& b = boxes[j];
+      const bool apart = a.right() <= b.x || b.right() <= a.x || a.bottom() <= b.y || b.bottom() <= a.y;
+      EXPECT_TRUE(apart) << i << " and " << j;
+    }
+}
+
+}  // namespace
+}  // namespace plectaro
