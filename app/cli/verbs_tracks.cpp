@@ -118,8 +118,11 @@ int runTrackAdd(Context& ctx, const Args& args) {
   const bool drums = args.has("--drums");
   const int instrument = instrumentOption(args, drums ? 0 : 24);
   const std::string name = args.value("--name", "Track " + std::to_string(s.doc.score.Tracks.size() + 1));
+  // A bass gets a bass's tuning unless one is given.
+  const TuningInfo usual =
+      !drums && IsBassInstrument(instrument) ? BassTuning(args.intValue("--strings", 4)) : TuningInfo{};
   Track setup = NewTrackSetup(name, drums, instrument, kInstrumentNames[static_cast<size_t>(instrument)],
-                              tuningOption(ctx, args, TuningInfo{}));
+                              tuningOption(ctx, args, usual));
   s.save(ctx, args, AddTrack(s.edit, setup));
   printTracks(ctx, s.doc.score);
   return 0;

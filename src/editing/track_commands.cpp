@@ -44,6 +44,8 @@ std::array<DrumMap, kMaxStrings> DefaultDrumMaps() {
   return maps;
 }
 
+bool IsBassInstrument(int program) { return program >= 32 && program <= 39; }
+
 Track NewTrackSetup(const std::string& name, bool drumTrack, int instrument,
                     const std::string& instrumentName, const TuningInfo& tuning) {
   Track t;
@@ -56,6 +58,9 @@ Track NewTrackSetup(const std::string& name, bool drumTrack, int instrument,
     t.DrumMaps = DefaultDrumMaps();
     // Drums read from a percussion line, not a staff of pitches.
     t.TrebleStaff = false;
+  } else if (IsBassInstrument(instrument)) {
+    t.TrebleStaff = false;
+    t.BassStaff = true;
   }
   return t;
 }

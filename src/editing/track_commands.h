@@ -20,7 +20,11 @@ std::array<int16_t, 2> NextFreeChannelPair(const Score& s, bool drumTrack);
 // cymbals, 2 hi-hat, 3 snare, 4 high toms, 5 floor toms, 6 bass drum.
 std::array<DrumMap, kMaxStrings> DefaultDrumMaps();
 
+// General MIDI programs 32 to 39 are basses.
+bool IsBassInstrument(int program);
+
 // A new track set up as the Add a Track dialog does it: name, instrument (or drums) and tuning.
+// A bass reads from the bass clef, so its notation staff is the bass staff, not the treble.
 // Everything else takes the values of a new score's track.
 Track NewTrackSetup(const std::string& name, bool drumTrack, int instrument,
                     const std::string& instrumentName, const TuningInfo& tuning);

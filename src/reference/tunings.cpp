@@ -104,7 +104,45 @@ int pitchClassOf(std::string_view name) {
   return (pc + 12) % 12;
 }
 
+// A note with its octave number ("E1", "F#2", "Bb0") as a MIDI pitch (C4 = 60); -1 when the
+// name is not one or the pitch lies outside 0..127.
+int pitchWithOctave(std::string_view name) {
+  size_t digits = name.size();
+  while (digits > 0 && name[digits - 1] >= '0' && name[digits - 1] <= '9') --digits;
+  if (digits == name.size() || name.size() - digits > 1 || digits == 0) return -1;
+  const int pc = pitchClassOf(name.substr(0, digits));
+  if (pc < 0) return -1;
+  // A flat below C belongs to the octave under the letter ("Cb4" is B3).
+  int pitch = (name[digits] - '0' + 1) * 12 + pc;
+  if (name.substr(0, digits).size() == 2 && name[1] == 'b' && pc == 11) pitch -= 12;
+  if (name.substr(0, digits).size() == 2 && name[1] == '#' && pc == 0) pitch += 12;
+  return pitch >= 0 && pitch <= 127 ? pitch : -1;
+}
+
 }  // namespace
+
+std::string OffsetName(int stringNumber, int offset) {
+  const int standard = StandardPitchOfString(stringNumber);
+  if (standard == 0) return "";
+  if (offset >= -kStandardNoteIndex && offset <= kStandardNoteIndex)
+    return PitchToNoteName(stringNumber, standard + offset);
+  const int pitch = standard + offset;
+  if (pitch < 0 || pitch > 127) return "";
+  return std::string(PitchClassName(pitch)) + std::to_string(pitch / 12 - 1);
+}
+
+TuningInfo BassTuning(int strings) {
+  TuningInfo info;
+  info.NumStrings = static_cast<int16_t>(std::clamp(strings, 1, kMaxStrings));
+  // Open pitches from string 1 down.
+  std::vector<int> pitches;
+  if (strings == 4) pitches = {43, 38, 33, 28};
+  else if (strings == 5) pitches = {43, 38, 33, 28, 23};
+  else if (strings == 6) pitches = {48, 43, 38, 33, 28, 23};
+  for (size_t i = 0; i < pitches.size(); ++i)
+    info.Offset[i] = static_cast<int16_t>(pitches[i] - StandardPitchOfString(static_cast<int>(i) + 1));
+  return info;
+}
 
 std::optional<TuningInfo> ParseTuningNames(std::string_view text) {
   std::vector<std::string_view> names;
@@ -120,6 +158,7 @@ std::optional<TuningInfo> ParseTuningNames(std::string_view text) {
     const int string = static_cast<int>(names.size() - i);  // the first name is the lowest string
     const int standard = StandardPitchOfString(string);
     int pitch = NoteNameToPitch(string, names[i]);
+    if (pitch == 0) pitch = std::max(0, pitchWithOctave(names[i]));
     if (pitch == 0) {
       const int pc = pitchClassOf(names[i]);
       if (pc < 0) return std::nullopt;

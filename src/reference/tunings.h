@@ -50,10 +50,21 @@ TuningData ReadTuningText(std::string_view text);
 // A tuning typed as note names separated by blanks, from the lowest string up, the way
 // guitarists write it ("E A D G B E", "D A D G B E"). The count of names is the string count
 // (1..7). A name may be one of the string's own 25 names ("-B" for the B an octave below
-// string 5), or a plain note with sharps or flats ("Eb", "F#"), which takes the octave nearest
-// the string's standard pitch (the lower one when both are as near). nullopt when a name is
-// not a note or the pitch is more than an octave from the string's standard one.
+// string 5), a plain note with sharps or flats ("Eb", "F#"), which takes the octave nearest
+// the string's standard pitch (the lower one when both are as near), or a note with its
+// octave number, middle C being C4 ("E1 A1 D2 G2" for a bass), which may lie any distance from
+// the standard pitch. nullopt when a name is not a note or the pitch is more than an octave
+// from the string's standard one without an octave number saying so.
 std::optional<TuningInfo> ParseTuningNames(std::string_view text);
+
+// The name a tuning box shows for a string's offset: one of the string's 25 names within an
+// octave of its standard pitch, otherwise the note with its octave number ("G2"), so that a
+// bass tuned far below the guitar's strings is shown as it is and kept when left alone.
+std::string OffsetName(int stringNumber, int offset);
+
+// The usual bass tuning for the string count: 4 strings E1 A1 D2 G2, 5 adds a low B0, 6 adds a
+// high C3 as well. Other counts get the guitar's standard tuning (all offsets 0).
+TuningInfo BassTuning(int strings);
 
 // The built-in tunings in the order they are written on first run. Two names stand twice; the
 // later entry is the one the library ends with.

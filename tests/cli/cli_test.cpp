@@ -130,6 +130,12 @@ TEST_F(Cli, TrackVerbsSetUpABandAndPlayIt) {
                            "\"drums\":true,\"instrument\":0,\"channel\":9"})
     EXPECT_NE(set.out.find(want), std::string::npos) << want << " in " << set.out;
 
+  // A bass picked without a tuning gets a bass's tuning, not a guitar's.
+  const CliRun bass = cli("track-add " + q("a.plm") + " " + q("bass.plm") + " --instrument 34");
+  ASSERT_EQ(bass.code, 0);
+  EXPECT_NE(bass.out.find("\"strings\":4,\"capo\":0,\"volume\":50,\"openPitches\":[43,38,33,28]"), std::string::npos)
+      << bass.out;
+
   // Each track plays on its own channel with its own program; the drums send none.
   const CliRun trace = cli("play " + q("e.plm") + " --trace");
   ASSERT_EQ(trace.code, 0);

@@ -151,6 +151,31 @@ TEST(TrackDialogs, PropertiesTuneDropDWithACapoAndCancelKeepsAll) {
   EXPECT_EQ(f.doc.score, before);
 }
 
+// A bass sits more than an octave under the guitar's strings, beyond the 25 names of the tuning
+// boxes: Track Properties must keep its tuning when only the volume is changed, and Add a Track
+// must propose a bass's tuning and staff when a bass is picked.
+TEST(TrackDialogs, BassTuningSurvivesPropertiesAndIsProposedOnAdd) {
+  Fixture f;
+  DataFolder data;
+  f.doc.score.Tracks[0].Tuning = BassTuning(4);
+  answerNextDialog([](QDialog* d) { d->findChild<QSpinBox*>("txtVolume")->setValue(70); }, true);
+  mnuTrackProperties_Click(nullptr, f.ctx, data.path);
+  EXPECT_EQ(f.doc.score.Tracks[0].Tuning, BassTuning(4));
+  EXPECT_EQ(f.doc.score.Tracks[0].Volume, 70);
+
+  answerNextDialog([](QDialog* d) {
+    d->findChild<QComboBox*>("cmbInstrument")->setCurrentIndex(33);
+    d->findChild<QSpinBox*>("txtStrings")->setValue(5);
+    EXPECT_EQ(d->findChild<QComboBox*>("cmbTuning4")->currentText(), "B0");
+  }, true);
+  mnuTrackAdd_Click(nullptr, f.ctx, data.path);
+  ASSERT_EQ(f.doc.score.Tracks.size(), 2u);
+  const Track& bass = f.doc.score.Tracks[1];
+  EXPECT_EQ(bass.Tuning, BassTuning(5));
+  EXPECT_TRUE(bass.BassStaff);
+  EXPECT_FALSE(bass.TrebleStaff);
+}
+
 TEST(TrackDialogs, AddADrumTrackThenMuteAndSoloInTheMixTable) {
   Fixture f;
   DataFolder data;

@@ -82,6 +82,9 @@ TEST(TuningText, TypedNamesRunFromTheLowestString) {
       {"-B -E -A -D -G", 5, {-9, -9, -10, -10, -10, 0, 0}},  // a five-string bass
       {"A#", 1, {-6, 0, 0, 0, 0, 0, 0}},  // a tritone either way from E: the lower is taken
       {"+A#", 1, {6, 0, 0, 0, 0, 0, 0}},
+      {"E1 A1 D2 G2", 4, {-21, -21, -22, -22, 0, 0, 0}},  // a bass, by octave numbers
+      {"B0 E1 A1 D2 G2 C3", 6, {-16, -16, -17, -17, -17, -17, 0}},
+      {"Cb4", 1, {-5, 0, 0, 0, 0, 0, 0}},  // B3: a flat below C belongs to the octave under it
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.text);
@@ -92,6 +95,24 @@ TEST(TuningText, TypedNamesRunFromTheLowestString) {
   }
   for (const char* bad : {"", "E A D G B E A D", "H A D G B E", "E A D G B E#x", "+E+"})
     EXPECT_FALSE(ParseTuningNames(bad).has_value()) << bad;
+}
+
+TEST(TuningNames, OffsetsBeyondAnOctaveAreNamedWithTheirOctave) {
+  struct Case {
+    int string, offset;
+    const char* name;
+  } const cases[] = {
+      {1, 0, "E"}, {6, -2, "-D"}, {1, 12, "+E"}, {1, -12, "-E"},
+      {1, -21, "G2"}, {4, -22, "E1"}, {5, -22, "B0"}, {1, 13, "F5"},
+      {8, 0, ""}, {1, -70, ""},  // no such string; below pitch 0
+  };
+  for (const Case& c : cases) EXPECT_EQ(OffsetName(c.string, c.offset), c.name) << c.string << " " << c.offset;
+  // The bass tunings name what a bass player tunes to.
+  const TuningInfo five = BassTuning(5);
+  EXPECT_EQ(five.NumStrings, 5);
+  EXPECT_EQ(OffsetName(5, five.Offset[4]), "B0");
+  EXPECT_EQ(OffsetName(1, five.Offset[0]), "G2");
+  EXPECT_EQ(BassTuning(3), TuningInfo{.NumStrings = 3});
 }
 
 TEST_F(TuningLibraryTest, FirstRunWritesTheBuiltInTuningsOnce) {

@@ -65,11 +65,14 @@ TuningEditor::TuningEditor(const std::filesystem::path& dataFolder, QWidget* par
   lib.createAll();  // the library is written the first time anything needs it
   for (const std::string& name : lib.names()) cmbPresets->addItem(q(name));
   grid->addWidget(cmbPresets, 1, 1);
-  // String 1 (the highest) at the top, as the strings lie on the tab staff.
+  // String 1 (the highest) at the top, as the strings lie on the tab staff. Each item carries
+  // its offset from the string's standard pitch, so that an offset beyond the 25 names (a bass)
+  // can stand in the box as an item of its own and is kept when the box is left alone.
   for (int s = 0; s < kMaxStrings; ++s) {
     auto* box = new QComboBox(this);
     box->setObjectName(QString("cmbTuning%1").arg(s));
-    for (const std::string& n : NoteNamesOfString(s + 1)) box->addItem(q(n));
+    for (int offset = -kStandardNoteIndex; offset <= kStandardNoteIndex; ++offset)
+      box->addItem(q(OffsetName(s + 1, offset)), offset);
     box->setCurrentIndex(kStandardNoteIndex);
     cmbTuning[static_cast<size_t>(s)] = box;
     grid->addWidget(new QLabel(QString("String %1").arg(s + 1), this), 2 + s, 0);
@@ -84,6 +87,17 @@ void TuningEditor::showStrings() {
   for (int s = 0; s < kMaxStrings; ++s) cmbTuning[static_cast<size_t>(s)]->setEnabled(s < txtStrings->value());
 }
 
+void TuningEditor::selectOffset(int string, int offset) {
+  QComboBox* box = cmbTuning[static_cast<size_t>(string)];
+  int row = box->findData(offset);
+  if (row < 0) {
+    // Lower pitches go above the 25 names, higher ones below them, as the list runs upwards.
+    row = offset < 0 ? 0 : box->count();
+    box->insertItem(row, q(OffsetName(string + 1, offset)), offset);
+  }
+  box->setCurrentIndex(row);
+}
+
 void TuningEditor::loadPreset(int row) {
   if (row <= 0) return;
   try {
@@ -91,23 +105,22 @@ void TuningEditor::loadPreset(int row) {
     // A preset sets the pitches; the string count stays as chosen (a six-string preset on a
     // seven-string guitar keeps the low string's own tuning).
     for (int s = 0; s < preset.NumStrings && s < kMaxStrings; ++s)
-      cmbTuning[static_cast<size_t>(s)]->setCurrentIndex(preset.StringNote[static_cast<size_t>(s)]);
+      selectOffset(s, preset.StringNote[static_cast<size_t>(s)] - kStandardNoteIndex);
   } catch (const TuningError& e) {
     cmbPresets->setToolTip(QString::fromUtf8(e.what()));
   }
 }
 
 void TuningEditor::setTuning(const TuningInfo& tuning) {
-  const TuningData d = FromTuningInfo(tuning);
-  txtStrings->setValue(d.NumStrings);
-  for (size_t s = 0; s < kMaxStrings; ++s) cmbTuning[s]->setCurrentIndex(d.StringNote[s]);
+  txtStrings->setValue(std::clamp<int>(tuning.NumStrings, 1, kMaxStrings));
+  for (int s = 0; s < kMaxStrings; ++s) selectOffset(s, tuning.Offset[static_cast<size_t>(s)]);
 }
 
 TuningInfo TuningEditor::tuning() const {
-  TuningData d;
-  d.NumStrings = static_cast<int16_t>(txtStrings->value());
-  for (size_t s = 0; s < kMaxStrings; ++s) d.StringNote[s] = static_cast<int16_t>(cmbTuning[s]->currentIndex());
-  return ToTuningInfo(d);
+  TuningInfo info;
+  info.NumStrings = static_cast<int16_t>(txtStrings->value());
+  for (size_t s = 0; s < kMaxStrings; ++s) info.Offset[s] = static_cast<int16_t>(cmbTuning[s]->currentData().toInt());
+  return info;
 }
 
 // ---- add a track ----
@@ -131,6 +144,19 @@ AddTrackDialog::AddTrackDialog(const Score& score, const std::filesystem::path& 
   chkDrum = check(this, "chkDrum", "Percussion Track", false);
   form->addRow("", chkDrum);
   tuning = new TuningEditor(dataFolder, this);
+  // Picking a bass proposes a bass's strings and tuning; going back to another instrument
+  // takes a proposed bass tuning back. A tuning the user set by hand is left alone.
+  connect(cmbInstrument, &QComboBox::currentIndexChanged, this, [this](int program) {
+    const int strings = tuning->txtStrings->value();
+    if (IsBassInstrument(program) && tuning->tuning() == TuningInfo{.NumStrings = static_cast<int16_t>(strings)})
+      tuning->setTuning(BassTuning(strings >= 4 && strings <= 6 ? strings : 4));
+    else if (!IsBassInstrument(program) && tuning->tuning() == BassTuning(strings))
+      tuning->setTuning(TuningInfo{});
+  });
+  connect(tuning->txtStrings, &QSpinBox::valueChanged, this, [this](int strings) {
+    if (IsBassInstrument(cmbInstrument->currentIndex()) && strings >= 4 && strings <= 6)
+      tuning->setTuning(BassTuning(strings));
+  });
   connect(chkDrum, &QCheckBox::toggled, this, [this](bool drums) {
     cmbInstrument->setEnabled(!drums);
     tuning->cmbPresets->setEnabled(!drums);

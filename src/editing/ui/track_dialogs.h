@@ -40,6 +40,9 @@ class TuningEditor : public QWidget {
  private:
   void showStrings();
   void loadPreset(int row);
+  // Selects the offset in the box of string index `string`, adding an item when it lies beyond
+  // the string's 25 names.
+  void selectOffset(int string, int offset);
   std::filesystem::path dataFolder_;
 };
 
