@@ -19,6 +19,7 @@
 #include "editing/ui/bar_dialogs.h"
 #include "editing/ui/track_dialogs.h"
 #include "editing/ui/track_menus.h"
+#include "reference/tunings.h"
 #include "shell/prompter.h"
 
 namespace plectaro {
