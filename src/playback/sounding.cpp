@@ -335,7 +335,8 @@ void PlayChordDiagram(SoundOut so, const Track& tr, const BeatChord& chord) {
     if (!FretNumber(chord.Frets[static_cast<size_t>(i)], fret)) continue;
     int open = chord.Tuning[static_cast<size_t>(i)];
     if (open <= 0) open = GetStringPitch(i) + tr.Tuning.Offset[static_cast<size_t>(i)];
-    MIDINoteOn(so.out, tr.Channel, open + fret + GetOctaveShift(tr), velocity);
+    // Stored frets count from the chart's first fret, so a shape above the nut sounds there.
+    MIDINoteOn(so.out, tr.Channel, open + fret + chord.StartFret + GetOctaveShift(tr), velocity);
   }
 }
 

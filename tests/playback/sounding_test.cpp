@@ -89,6 +89,21 @@ TEST(Sounding, ChordPitchesAndStringOrder) {
   EXPECT_EQ(down.messages[3].Status, 0xC1);
 }
 
+TEST(Sounding, ChordDiagramSoundsWhereItsChartStarts) {
+  // An A minor barre shape at the 5th fret: frets stored from the chart's first fret (4).
+  BeatChord am;
+  am.NumStrings = 6;
+  am.StartFret = 4;
+  am.Frets = {"1", "1", "1", "3", "3", "1", ""};
+  am.Tuning = {64, 59, 55, 50, 45, 40, 35};
+  const Score s = MakeSong(1, 1);
+  RecordingMidiOut out;
+  PlayChordDiagram({out, 0}, s.Tracks[0], am);
+  std::vector<int> notes;
+  for (const auto& n : NoteOns(out.messages)) notes.push_back(n.note);
+  EXPECT_EQ(notes, (std::vector<int>{45, 52, 57, 60, 64, 69}));
+}
+
 TEST(Sounding, OctaveFlagsMoveEveryNote) {
   // {up, down, key of fret 5 on the top string}: octave down wins when both are set.
   const std::tuple<bool, bool, int> cases[] = {{false, false, 69}, {true, false, 81}, {false, true, 57}, {true, true, 57}};
