@@ -272,6 +272,10 @@ TrackPropertiesDialog::TrackPropertiesDialog(const Track& track, const std::file
     drums->setEnabled(on);
     lstInstrument->setEnabled(!on);
     txtChannel->setEnabled(!on);
+    // Drums have no frets to clamp and no octave to move.
+    txtCapo->setEnabled(!on);
+    chkOctaveUp->setEnabled(!on);
+    chkOctaveDown->setEnabled(!on);
   };
   connect(chkDrum, &QCheckBox::toggled, this, drumMode);
   drumMode(track.DrumTrack);

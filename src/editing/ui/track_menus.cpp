@@ -111,7 +111,9 @@ void MixTable::refresh() {
     const Track& tr = s.Tracks[static_cast<size_t>(t)];
     grdMix->item(t, kName)->setText(QString::fromStdString(tr.Name));
     auto* instrument = static_cast<QComboBox*>(grdMix->cellWidget(t, kInstrument));
-    instrument->setCurrentIndex(std::clamp<int>(tr.Instrument, 0, 127));
+    // A drum track plays the drum kit whatever its program says, so it names no instrument.
+    instrument->setPlaceholderText("Drums");
+    instrument->setCurrentIndex(tr.DrumTrack ? -1 : std::clamp<int>(tr.Instrument, 0, 127));
     instrument->setEnabled(!tr.DrumTrack);
     static_cast<QSpinBox*>(grdMix->cellWidget(t, kVolume))->setValue(tr.Volume);
     auto* channel = static_cast<QSpinBox*>(grdMix->cellWidget(t, kChannel));
