@@ -41,7 +41,7 @@ if [[ $target == all ]]; then
   minutes=${2:-1}
   names=()
   for src in fuzz/*.cpp; do names+=("$(basename "$src" .cpp)"); done
-  ./scripts/build.sh fuzz "${names[@]/#/fuzz_}"
+  ./scripts/build.sh fuzz -j2 "${names[@]/#/fuzz_}"
   results=()
   for name in "${names[@]}"; do
     echo "fuzzing $name for $minutes minute(s)..." >&2
@@ -54,7 +54,7 @@ if [[ $target == all ]]; then
   ((total == 0))
 else
   seconds=${2:-60}
-  ./scripts/build.sh fuzz "fuzz_$target"
+  ./scripts/build.sh fuzz -j2 "fuzz_$target"
   header
   line=$(run_one "$target" "$seconds")
   echo "$line"

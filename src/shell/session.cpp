@@ -193,11 +193,14 @@ bool Session::offerRecovery() {
     const std::string name = f.documentName.empty()
                                  ? str("txt_Unsaved")
                                  : std::filesystem::path(f.documentName).filename().string();
-    const bool restore = prompter_.yesNo(str("txt_Recover1") + name + str("txt_Recover2") +
-                                             localTimeText(f.savedAt) + str("txt_Recover3"),
-                                         str("txt_RecoverTitle"));
+    // Yes is the default answer, so that Enter keeps the work; Cancel (or closing the question)
+    // keeps the file for the next start, and only No lets it go.
+    const Answer a = prompter_.yesNoCancel(str("txt_Recover1") + name + str("txt_Recover2") +
+                                               localTimeText(f.savedAt) + str("txt_Recover3"),
+                                           str("txt_RecoverTitle"));
+    if (a == Answer::Cancel) continue;
     RemoveRecoveryFile(f.path);
-    if (!restore) continue;
+    if (a == Answer::No) continue;
     doc_ = std::move(restored);
     // At once under this editor's own file, so that a second crash loses nothing either.
     autosaveNow(std::time(nullptr));

@@ -81,7 +81,7 @@ TEST_F(RecoveryTest, EditsOfAKilledEditorComeBackAtTheNextStart) {
   ASSERT_EQ(leftovers().size(), 1u);
 
   {
-    prompter.push(true);
+    prompter.push(Answer::Yes);
     Session s(folder(), prompter);
     s.start(cmd(), {});
     ASSERT_EQ(prompter.asked().size(), 1u);
@@ -158,12 +158,20 @@ TEST_F(RecoveryTest, DamagedRecoveryFilesAreRefusedAndKeptAside) {
   }
 }
 
-TEST_F(RecoveryTest, DeclinedRecoveryIsRemovedAndTheIntervalComesFromTheSettings) {
+TEST_F(RecoveryTest, CancelKeepsALeftoverNoRemovesItAndTheIntervalComesFromTheSettings) {
   Document doc;
   doc.score.Title = "Declined";
   fs::create_directories(RecoveryFolder(folder().data()));
   WriteFileAtomically(RecoveryFolder(folder().data()) / "99999-0.plr", RecoveryFileBytes(doc, 5));
-  prompter.push(false);
+  // Cancel keeps the file for the next start; No lets it go.
+  {
+    prompter.push(Answer::Cancel);
+    Session first(folder(), prompter);
+    first.start(cmd(), {});
+    EXPECT_EQ(first.doc().score.Title, "Untitled");
+    EXPECT_EQ(leftovers().size(), 1u);
+  }
+  prompter.push(Answer::No);
   Session s(folder(), prompter);
   s.start(cmd(), {});
   EXPECT_EQ(s.doc().score.Title, "Untitled");
