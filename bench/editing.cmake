@@ -1,1 +1,1 @@
-set(BENCH_LIBS plectaro_editing plectaro_rendering_qt plectaro_rendering plectaro_score)
+set(BENCH_LIBS plectaro_editing_ui plectaro_editing plectaro_rendering_qt plectaro_rendering plectaro_score)

@@ -3,14 +3,17 @@
 //
 // Keys measured: a fret digit (the page is redrawn from the stored layout), Right inside a
 // bar (cursor only), and Shift+Ins / Shift+Del in turn (the beat count changes, so the whole
-// track is laid out again: the worst case of ordinary typing).
+// track is laid out again: the worst case of ordinary typing). With the fretboard and piano
+// panels open, a fret digit also repaints both panels with the cursor's beat.
 #include <benchmark/benchmark.h>
 
 #include "bench_scores.h"
 #include "qt_bench_main.h"
 
-#include <QGuiApplication>
+#include <QApplication>
 #include <QImage>
+#include <QDockWidget>
+#include <QMainWindow>
 #include <QPainter>
 
 #include <malloc.h>
@@ -19,6 +22,7 @@
 #include <unordered_set>
 
 #include "editing/key_map.h"
+#include "editing/ui/practice_panels.h"
 #include "rendering/draw_document.h"
 #include "rendering/qt/qt_surface.h"
 #include "shell/prompter.h"
@@ -73,6 +77,31 @@ void BM_KeyToRedraw_InsertDeleteBeat(benchmark::State& state) {
   View v;
   int i = 0;
   for (auto _ : state) picDocument_KeyDown(v.ctx, (i++ % 2) ? Key::Delete : Key::Insert, kShift);
+}
+
+void BM_KeyToRedraw_FretWithPanels(benchmark::State& state) {
+  View v;
+  MemorySettingsStore settings;
+  QMainWindow window;
+  PracticePanels panels(window, v.ctx, settings);
+  panels.fretboardDock()->show();
+  panels.pianoDock()->show();
+  panels.fretboard()->resize(900, 150);
+  panels.piano()->resize(900, 110);
+  QImage fret(900, 150, QImage::Format_RGB32), keys(900, 110, QImage::Format_RGB32);
+  const auto page = v.ctx.hooks.drawDocument;
+  // After the page, the panels take the new beat and paint, as the window's draw signal does.
+  v.ctx.hooks.drawDocument = [&] {
+    page();
+    panels.refresh();
+    panels.fretboard()->render(&fret);
+    panels.piano()->render(&keys);
+  };
+  int i = 0;
+  for (auto _ : state) {
+    v.doc.CursorString = static_cast<int16_t>(i % 6);
+    picDocument_KeyDown(v.ctx, DigitKey(3 + (i++ % 5)), kNoModifier);
+  }
 }
 
 // Heap bytes of a score, counting every shared bar and sub-record once across all the scores
@@ -143,6 +172,7 @@ void BM_UndoMemory_50Levels(benchmark::State& state) {
 }
 
 BENCHMARK(BM_KeyToRedraw_Fret)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_KeyToRedraw_FretWithPanels)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_KeyToRedraw_CursorRight)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_KeyToRedraw_InsertDeleteBeat)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_UndoMemory_50Levels)->Iterations(1)->Unit(benchmark::kMillisecond);
@@ -150,4 +180,4 @@ BENCHMARK(BM_UndoMemory_50Levels)->Iterations(1)->Unit(benchmark::kMillisecond);
 }  // namespace
 }  // namespace plectaro
 
-PLECTARO_QT_BENCHMARK_MAIN("bench_editing")
+PLECTARO_QT_WIDGETS_BENCHMARK_MAIN("bench_editing", QApplication)

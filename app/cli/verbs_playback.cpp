@@ -5,7 +5,9 @@
 
 #include <atomic>
 #include <csignal>
+#include <cstdio>
 #include <iostream>
+#include <optional>
 
 #include "cli.h"
 #include "live_output.h"
@@ -14,7 +16,9 @@
 #include "playback/output_devices.h"
 #include "playback/qt/qt_clock.h"
 #include "playback/scheduler.h"
+#include "playback/speed_trainer.h"
 #include "shell/ini_settings.h"
+#include "shell/language.h"
 
 namespace plectaro::cli {
 
@@ -23,6 +27,23 @@ namespace {
 std::atomic<bool> gInterrupted{false};
 
 void onInterrupt(int) { gInterrupted = true; }
+
+// --trainer START,STEP,TOP,PASSES over the bars of --from and --to (from 1).
+SpeedTrainer trainerOf(const std::string& text, int from, int to, int bars) {
+  SpeedTrainerForm f;
+  f.FromBar = from;
+  f.ToBar = to;
+  char tail = 0;
+  if (std::sscanf(text.c_str(), "%d,%d,%d,%d%c", &f.StartTempo, &f.Step, &f.TopTempo, &f.Passes, &tail) != 4)
+    throw UsageError("--trainer takes START,STEP,TOP,PASSES, for example 60,10,100,5");
+  SpeedTrainer t;
+  const std::string problem = CheckSpeedTrainer(f, bars, t, [](std::string_view key) {
+    static const Messages english;
+    return english.str(key);
+  });
+  if (!problem.empty()) throw InputError("--trainer " + text + ": " + problem);
+  return t;
+}
 
 // Keeps only one track, for --track: the scheduler then plays it alone.
 Score soloTrack(const Score& s, int track) {
@@ -40,7 +61,8 @@ int listDevices(Context& ctx) {
 
 // Plays in real time on Qt's event loop until the song ends or Ctrl+C, which stops it the
 // same way the Stop command does, so a hardware synthesizer keeps no hanging notes.
-int playLive(Context& ctx, const Score& score, int from, int to, int deviceRow, const PlaybackOptions& options) {
+int playLive(Context& ctx, const Score& score, int from, int to, int deviceRow, const PlaybackOptions& options,
+             const SpeedTrainer* trainer) {
   LiveOutput live = OpenLiveOutput(ctx, deviceRow);
   OutputDevices& devices = *live.devices;
   QtPlaybackClock clock;
@@ -55,7 +77,14 @@ int playLive(Context& ctx, const Score& score, int from, int to, int deviceRow, 
   watch.start(50);
   gInterrupted = false;
   auto oldHandler = std::signal(SIGINT, onInterrupt);
-  scheduler.PlayTab(score, from, to);
+  if (trainer) {
+    scheduler.hooks.trainerPass = [&ctx](int pass, int tempo) {
+      ctx.out << "pass " << pass << " at " << tempo << " bpm" << std::endl;
+    };
+    scheduler.PlayTrainer(score, *trainer);
+  } else {
+    scheduler.PlayTab(score, from, to);
+  }
   if (scheduler.playing()) loop.exec();
   std::signal(SIGINT, oldHandler);
   MIDIClose(devices);
@@ -83,23 +112,36 @@ int runPlay(Context& ctx, const Args& args) {
     score = soloTrack(score, track - 1);
   }
   const PlaybackOptions options = UserPlaybackOptions(ctx, args.has("--count-in"), args.has("--metronome"));
+  std::optional<SpeedTrainer> trainer;
+  if (args.has("--trainer")) trainer = trainerOf(args.value("--trainer"), from, to, bars);
 
   if (args.has("--trace")) {
+    const auto line = [&ctx](const MidiMessage& m) { ctx.out << FormatTraceLine(m) << "\n"; };
     try {
-      TraceSong(score, from - 1, to - 1, options, [&ctx](const MidiMessage& m) { ctx.out << FormatTraceLine(m) << "\n"; });
+      if (trainer) {
+        // Each pass is announced in the trace as a comment line with its time and tempo.
+        TraceTrainer(score, *trainer, options, line, [&ctx](double ms, int pass, int tempo) {
+          char at[32];
+          std::snprintf(at, sizeof at, "%.3f", ms);
+          ctx.out << "# " << at << " pass " << pass << " at " << tempo << " bpm\n";
+        });
+      } else {
+        TraceSong(score, from - 1, to - 1, options, line);
+      }
     } catch (const ScoreError& e) {
       throw InputError(e.what());
     }
     return 0;
   }
-  return playLive(ctx, score, from - 1, to - 1, args.intValue("--device", 0), options);
+  return playLive(ctx, score, from - 1, to - 1, args.intValue("--device", 0), options, trainer ? &*trainer : nullptr);
 }
 
 const Registrar verbPlay(Verb{
     "play",
-    "play FILE [--from BAR] [--to BAR] [--track N] [--device N] [--count-in] [--metronome] [--trace] | "
+    "play FILE [--from BAR] [--to BAR] [--track N] [--device N] [--count-in] [--metronome] [--trace] "
+    "[--trainer START,STEP,TOP,PASSES] | "
     "play FILE.p4d|FILE.p4m [--loops N] [--device N] [--trace] | play --list-devices",
-    {"--from", "--to", "--track", "--device", "--loops"},
+    {"--from", "--to", "--track", "--device", "--loops", "--trainer"},
     {"--trace", "--list-devices", "--count-in", "--metronome"},
     runPlay});
 

@@ -3,6 +3,7 @@
 // window shows. --print-startup-time reports the time to the first painted page and quits.
 #include <QApplication>
 #include <QIcon>
+#include <QStatusBar>
 #include <QTimer>
 #include <algorithm>
 #include <chrono>
@@ -22,6 +23,7 @@
 #ifdef PLECTARO_HAVE_PLAYBACK
 #include "playback/qt/player.h"
 #include "playback_wiring.h"
+#include "practice_wiring.h"
 #endif
 #ifdef PLECTARO_HAVE_REFERENCE
 #include "reference/ui/reference_menus.h"
@@ -124,6 +126,8 @@ int main(int argc, char** argv) {
   edit.hooks.passwordCorrect = [&] { return session.files().PasswordCorrect(); };
   edit.hooks.text = [&](std::string_view key) { return session.messages().str(key); };
   edit.hooks.trackChanged = [&] { window.view()->resetScroll(); };
+  edit.hooks.status = [&](const std::string& t) { window.statusBar()->showMessage(QString::fromStdString(t), 6000); };
+  window.view()->notationLine = [&edit] { return edit.NotationEntry ? int{edit.doc.CursorLine} : -1; };
   auto replaced = session.files().documentReplaced;
   session.files().documentReplaced = [&edit, replaced] {
     if (replaced) replaced();
@@ -153,6 +157,8 @@ int main(int argc, char** argv) {
   auto* sound = new plectaro::PlaybackWiring(window, session, player, editor);
 #ifdef PLECTARO_HAVE_EDITING
   tracks->onMixChanged = [&](const std::vector<bool>& silenced) { player.setMix(session.doc().score, silenced); };
+  // Fretboard and piano panels, Find and Replace, zoom, and the speed trainer.
+  plectaro::WirePractice(window, session, edit, &player);
 #endif
   if (!cmd.printStartupTime)
     QObject::connect(window.view(), &plectaro::DocumentView::firstPainted, sound,

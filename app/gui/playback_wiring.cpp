@@ -4,6 +4,7 @@
 #include <QScrollBar>
 #include <QStatusBar>
 #include <QWidget>
+#include <cmath>
 
 #include "playback/qt/player.h"
 #include "rendering/page_layout.h"
@@ -54,7 +55,9 @@ PlaybackWiring::PlaybackWiring(MainWindow& window, Session& session, Player& pla
       return;
     }
     const int height = std::max<int>(RowHeight(doc.score.track(doc.CursorTrack)), 20);
-    marker_->setGeometry(left - 1, top, 3, height);
+    const double z = window_.view()->zoom();
+    marker_->setGeometry(static_cast<int>(std::lround((left - 1) * z)), static_cast<int>(std::lround(top * z)), 3,
+                         static_cast<int>(std::lround(height * z)));
     marker_->show();
     marker_->raise();
   });
@@ -70,6 +73,7 @@ PlaybackWiring::PlaybackWiring(MainWindow& window, Session& session, Player& pla
   if (edit) {
     edit->hooks.playChord = [this](int t, int b, int k) { player_.soundBeat(session_.doc().score, t, b, k); };
     edit->hooks.playScoreBeat = [this](const Score& s, int t, int b, int k) { player_.soundBeat(s, t, b, k); };
+    edit->hooks.playPercussion = [this](int sound) { player_.soundDrum(sound); };
     edit->hooks.isPlaying = [this] { return player_.isPlaying(); };
     edit->hooks.stopPlayback = [this] { player_.stop(); };
     edit->hooks.playFromStart = [this] {
@@ -111,7 +115,7 @@ void PlaybackWiring::followBar(int bar) {
   doc.CursorBeat = 0;
 #ifdef PLECTARO_HAVE_EDITING
   QScrollBar* v = window_.view()->verticalScrollBar();
-  const int want = ScrollToShowCursor(doc, v->value(), window_.view()->viewport()->height());
+  const int want = ScrollToShowCursor(doc, v->value(), window_.view()->viewport()->height() / window_.view()->zoom());
   if (want != v->value()) {
     doc.FullRelayout = true;
     v->setValue(want);

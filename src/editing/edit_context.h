@@ -57,6 +57,11 @@ struct EditHooks {
   std::function<std::optional<int>()> askRepeatCount;
   // Opens the right-click menu at a point of the picture.
   std::function<void(int x, int y)> openRightMenu;
+  // A passing note in the status bar ("This pitch cannot be played..."): no box to close.
+  std::function<void(const std::string& text)> status;
+  // Sounds one sound of the percussion list (1 "Acoustic Bass Drum" ...), as the drum
+  // cursor walks onto it.
+  std::function<void(int sound)> playPercussion;
   // A message text of the interface language by its key ("str_ExceededBar"...); when empty
   // or when it answers "", the English text is used.
   std::function<std::string(std::string_view key)> text;
@@ -117,6 +122,9 @@ class EditContext {
   std::string text(std::string_view key) const;
   void message(std::string_view textKey, MessageIcon icon = MessageIcon::Information);
   void redraw();
+  void status(const std::string& text) {
+    if (hooks.status) hooks.status(text);
+  }
   void notifyUndo() {
     if (hooks.undoEnabled) hooks.undoEnabled(undo.canUndo());
     if (hooks.undoChanged) hooks.undoChanged();

@@ -5,6 +5,8 @@
 #include <limits>
 
 #include "editing/selection.h"
+#include "editing/staff_entry.h"
+#include "rendering/notation.h"
 #include "rendering/page_layout.h"
 
 namespace plectaro {
@@ -21,6 +23,39 @@ const std::vector<BarLayout>* layoutOf(const Document& doc, int track) {
   const auto& lay = doc.Layout[static_cast<size_t>(track)];
   if (lay.size() < doc.score.Tracks[static_cast<size_t>(track)].Bars.size()) return nullptr;
   return &lay;
+}
+
+// The pitch of the notation line nearest to y on one staff: the naturals and the sharps above
+// them share a height, and the natural is taken. `base` is the staff's note origin.
+int staffLineAt(double base, double y, bool keyFlats, int lowest, int highest) {
+  int best = -1;
+  double bestDist = std::numeric_limits<double>::max();
+  for (int p = lowest; p <= highest; ++p) {
+    const double dist = std::abs(base + StaffPosition(p, keyFlats) + 6.5 - y);
+    const bool tie = std::abs(dist - bestDist) < 0.01;
+    if (dist < bestDist - 0.01 || (tie && IsBlackKey(best) && !IsBlackKey(p))) best = p, bestDist = dist;
+  }
+  return best;
+}
+
+// The notation line under y in bar `bar`'s row, or -1 when y is on neither staff (ledger lines
+// included: three above and below the staff).
+int notationLineAt(const Track& tr, const BarLayout& l, int bar, double y) {
+  if (tr.DrumTrack) return -1;
+  const int bottom = NotationLineBottom(tr);
+  const int top = bottom + kNotationLineSpan;
+  const bool split = tr.TrebleStaff && tr.BassStaff;
+  const bool flats = KeyUsesFlats(tr, bar);
+  const auto near = [&](double staffTop) { return y >= staffTop - 24 && y <= staffTop + 28 + 24; };
+  if (tr.TrebleStaff && near(l.DrawY + TrebleStaffTop(tr))) {
+    const int from = split ? std::max(bottom, 48) : bottom;
+    if (from <= top) return staffLineAt(l.DrawY + TrebleStaffTop(tr), y, flats, from, top);
+  }
+  if (tr.BassStaff && near(l.DrawY + BassStaffTop(tr))) {
+    const int to = split ? std::min(top, 47) : top;
+    if (bottom <= to) return staffLineAt(l.DrawY + BassStaffAnchor(tr), y, flats, bottom, to);
+  }
+  return -1;
 }
 
 }  // namespace
@@ -57,6 +92,7 @@ HitResult HitTest(const Document& doc, int track, double x, double y) {
     if (y >= top - kLineSlack && y <= top + (strings - 1) * 10 + kLineSlack)
       r.string = std::clamp(static_cast<int>(std::lround((y - top) / 10)), 0, strings - 1);
   }
+  if (r.string < 0) r.line = notationLineAt(tr, l, r.bar, y);
   return r;
 }
 
@@ -77,6 +113,17 @@ void picDocument_MouseDown(EditContext& ctx, MouseButton button, Modifiers mods,
       if (hit.string >= 0) {
         d.CursorString = static_cast<int16_t>(hit.string);
         ctx.NotationEntry = false;
+        const Track& tr = d.score.track(d.CursorTrack);
+        // On a drum track the drum cursor goes to the sound the clicked line plays, so that
+        // a letter typed next lands on this line.
+        if (tr.DrumTrack) {
+          const auto& map = tr.DrumMaps[static_cast<size_t>(hit.string)].Drum;
+          const auto it = std::find_if(map.begin(), map.end(), [](int16_t v) { return v > 0; });
+          if (it != map.end()) d.CursorLine = *it;
+        }
+      } else if (hit.line >= 0) {
+        d.CursorLine = static_cast<int16_t>(hit.line);
+        ctx.NotationEntry = true;
       }
     });
   }

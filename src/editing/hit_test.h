@@ -15,6 +15,7 @@ struct HitResult {
   int bar = -1;
   int beat = 0;        // nearest beat, clamped to the bar's beats
   int string = -1;     // tab line under the point, -1 when it is off the tab staff
+  int line = -1;       // pitch of the notation staff under the point, -1 off the staves
   bool operator==(const HitResult&) const = default;
 };
 
@@ -23,7 +24,8 @@ struct HitResult {
 HitResult HitTest(const Document& doc, int track, double x, double y);
 
 // picDocument_MouseDown: a click places the cursor (the string only when the click is on the
-// tab staff); a right click then opens the right-click menu. Then the document is drawn.
+// tab staff; on a notation staff the line, switching notation entry on); a right click then
+// opens the right-click menu. Then the document is drawn.
 void picDocument_MouseDown(EditContext& ctx, MouseButton button, Modifiers mods, double x, double y);
 
 // The mouse moved with the left button held since a press: marks from where the press put the

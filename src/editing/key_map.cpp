@@ -7,6 +7,7 @@
 #include "editing/bar_commands.h"
 #include "editing/cursor_access.h"
 #include "editing/selection.h"
+#include "editing/staff_entry.h"
 #include "score/bar_timing.h"
 
 namespace plectaro {
@@ -74,6 +75,7 @@ bool cursorKey(EditContext& ctx, Key key, bool shift, bool drum) {
     case Key::Enter: if (!drum) ToggleNotationEntry(ctx); return !drum;
     case Key::Delete:
       if (shift) mnuNoteDeleteBeat_Click(ctx);
+      else if (ctx.NotationEntry && !drum) ClearNotationNote(ctx);
       else ClearNoteValue(ctx);
       return true;
     case Key::Backspace: if (!shift) ClearNoteValue(ctx); return true;
@@ -193,12 +195,6 @@ bool selectionKey(EditContext& ctx, Key key, Modifiers mods) {
   if (ctrl && key != Key::Home && key != Key::End) return false;
   ExtendSelection(ctx, move, all);
   return true;
-}
-
-void writeDrumSymbol(EditContext& ctx, char symbol) {
-  RunCommand(ctx, [&] {
-    CursorSlotMut(ctx.doc).Fret = std::string(1, symbol);
-  }, "Typing");
 }
 
 }  // namespace
@@ -323,31 +319,39 @@ void MoveCursorRight(EditContext& ctx) {
   if (tooLong) ctx.prompter.message(ctx.text("str_ExceededBar"), ctx.text("str_BarExceeded"), MessageIcon::Critical);
 }
 
-// Up walks toward string 0 (the highest) and the notation line up; both wrap round.
+// Up walks toward string 0 (the highest) and the notation line up; both wrap round. On a
+// drum track the line walks the drum staff, and the tab cursor follows to the line that
+// plays the sound, so that Del and the effect keys act where the eye is.
 void moveCursorVertically(EditContext& ctx, bool up) {
+  Document& d = ctx.doc;
+  const Track& tr = d.score.track(d.CursorTrack);
   RunCursorMove(ctx, [&] {
-    Document& d = ctx.doc;
-    const Track& tr = d.score.track(d.CursorTrack);
     const int n = numStrings(d);
-    if (ctx.NotationEntry && !tr.DrumTrack) {
-      const int bottom = GetStringPitch(n - 1) + tr.Tuning.Offset[static_cast<size_t>(n - 1)];
+    if (tr.DrumTrack) {
+      d.CursorLine = static_cast<int16_t>(NextDrumLine(d.CursorLine, !up));
+      const int line = DrumLineOf(tr, d.CursorLine);
+      if (line >= 0) d.CursorString = static_cast<int16_t>(line);
+      return;
+    }
+    if (ctx.NotationEntry) {
+      const int bottom = NotationLineBottom(tr);
       const int line = d.CursorLine;
-      d.CursorLine = static_cast<int16_t>(up ? (line < bottom + 29 ? line + 1 : bottom)
-                                             : (line > bottom ? line - 1 : bottom + 29));
+      d.CursorLine = static_cast<int16_t>(up ? (line >= bottom && line < bottom + kNotationLineSpan ? line + 1 : bottom)
+                                             : (line > bottom && line <= bottom + kNotationLineSpan ? line - 1
+                                                                                                    : bottom + kNotationLineSpan));
       return;
     }
     const int s = d.CursorString;
     d.CursorString = static_cast<int16_t>(up ? (s <= 0 ? n - 1 : s - 1) : (s >= n - 1 ? 0 : s + 1));
   });
+  // The drummer hears the sound the cursor stands on before writing it.
+  if (tr.DrumTrack && ctx.settings.PlayAsTyped && ctx.hooks.playPercussion) ctx.hooks.playPercussion(d.CursorLine);
 }
 
 void MoveCursorUp(EditContext& ctx) { moveCursorVertically(ctx, true); }
 void MoveCursorDown(EditContext& ctx) { moveCursorVertically(ctx, false); }
 
-void ToggleNotationEntry(EditContext& ctx) {
-  ctx.NotationEntry = !ctx.NotationEntry;
-  ctx.redraw();
-}
+void ToggleNotationEntry(EditContext& ctx) { ToggleNotationEntryAt(ctx); }
 
 void SetCursorTrack(EditContext& ctx, int track) {
   RunCursorMove(ctx, [&] {
@@ -398,7 +402,7 @@ bool picDocument_KeyDown(EditContext& ctx, Key key, Modifiers mods) {
     if (!handled && drum) {
       const char symbol = shift ? 0 : DrumSymbolOfKey(key);
       if (symbol) {
-        writeDrumSymbol(ctx, symbol);
+        WriteDrumNote(ctx, symbol);
         handled = true;
       }
     } else if (!handled) {
@@ -406,6 +410,12 @@ bool picDocument_KeyDown(EditContext& ctx, Key key, Modifiers mods) {
         handled = shiftedTabKey(ctx, key);
       } else if (isLetter(key)) {
         handled = effectKey(ctx, key);
+      } else if (IsDigitKey(key) && ctx.NotationEntry) {
+        // On the staff a digit names the string to play the note on, counted from the top
+        // string as guitarists count; 0 (or a string the track lacks) lets the writer choose.
+        const int string = DigitOf(key) - 1;
+        WriteNotationNote(ctx, string >= 0 && string < numStrings(d) ? string : -1);
+        handled = true;
       } else if (IsDigitKey(key)) {
         TypeFretDigit(ctx, DigitOf(key));
         handled = true;

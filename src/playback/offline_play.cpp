@@ -112,6 +112,20 @@ std::vector<MidiMessage> TraceSong(const Score& score, int startBar, int endBar,
   return std::move(out.messages);
 }
 
+std::vector<MidiMessage> TraceTrainer(const Score& score, const SpeedTrainer& trainer, const PlaybackOptions& options,
+                                      const std::function<void(const MidiMessage&)>& onMessage,
+                                      const std::function<void(double ms, int pass, int tempo)>& onPass) {
+  VirtualClock clock;
+  RecordingMidiOut out([&clock] { return clock.nowMs(); });
+  out.onMessage = onMessage;
+  Scheduler scheduler(out, clock);
+  scheduler.options = options;
+  if (onPass) scheduler.hooks.trainerPass = [&](int pass, int tempo) { onPass(clock.nowMs(), pass, tempo); };
+  scheduler.PlayTrainer(score, trainer);
+  runToEnd(scheduler, clock);
+  return std::move(out.messages);
+}
+
 RenderedSong RenderSong(const Score& score, int startBar, int endBar, const PlaybackOptions& options,
                         const std::string& soundFont, double tailMs) {
   RenderOptions render;

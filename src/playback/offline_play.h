@@ -29,6 +29,12 @@ std::vector<MidiMessage> TraceSong(const Score& score, int startBar, int endBar,
                                    const PlaybackOptions& options,
                                    const std::function<void(const MidiMessage&)>& onMessage = {});
 
+// The speed trainer offline: its passes over the bars of `trainer`, every message with its
+// time, and each pass's start (time, pass from 1, tempo) to `onPass`.
+std::vector<MidiMessage> TraceTrainer(const Score& score, const SpeedTrainer& trainer, const PlaybackOptions& options,
+                                      const std::function<void(const MidiMessage&)>& onMessage = {},
+                                      const std::function<void(double ms, int pass, int tempo)>& onPass = {});
+
 struct RenderedSong {
   std::vector<float> Samples;  // interleaved stereo
   double SampleRate = 44100;

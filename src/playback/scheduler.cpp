@@ -90,6 +90,9 @@ void Scheduler::PlayTrainer(const Score& score, const SpeedTrainer& trainer) {
   trainer_.EndBar = endBar_;
   speedTrainerOn_ = true;
   playTimer_->setInterval(IntervalForTempo(trainerTempo_));
+  // The count-in clicks at the pass's tempo too.
+  if (state_ == PlayState::CountIn) tmrMetronome_->setInterval(GetMetronomeInterval(false));
+  if (hooks.trainerPass) hooks.trainerPass(1, trainerTempo_);
 }
 
 void Scheduler::start(const Score& score, int startBar, int endBar) {
@@ -215,15 +218,29 @@ void Scheduler::PlayStep() {
           StopTab();
           return;
         }
+        int16_t passTempo = trainer_.MaxTempo;
         if (trainerTempo_ + trainer_.Step > trainer_.MaxTempo) {
           playTimer_->setInterval(IntervalForTempo(trainer_.MaxTempo));
         } else {
           trainerTempo_ = static_cast<int16_t>(trainerTempo_ + trainer_.Step);
           playTimer_->setInterval(IntervalForTempo(trainerTempo_));
+          passTempo = trainerTempo_;
         }
         cursorBar_ = trainer_.StartBar;
         resetBeats();
         --trainerLoopsLeft_;
+        if (hooks.trainerPass) hooks.trainerPass(trainer_.Loops - trainerLoopsLeft_ + 1, passTempo);
+        // With Count In on, every pass is counted in at its own new tempo, so the player is
+        // ready for the faster speed before the first note of it.
+        if (options.CountIn) {
+          playTimer_->setEnabled(false);
+          MIDIAllNotesOff(out_);
+          state_ = PlayState::CountIn;
+          countInLeft_ = GetMetronomeInterval(true);
+          tmrMetronome_->setInterval(GetMetronomeInterval(false));
+          tmrMetronome_->setEnabled(true);
+          return;
+        }
         // The first beat of the new pass plays now, not one step later.
         if (recursion_ == 0) {
           ++recursion_;

@@ -46,6 +46,8 @@ struct PlaybackHooks {
   // change), before the messages of that beat go out. The MIDI file writer places the
   // messages that follow by it.
   std::function<void(int track, int bar, int beat)> beatStarts;
+  // The speed trainer begins pass `pass` (from 1) at this tempo.
+  std::function<void(int pass, int tempo)> trainerPass;
 };
 
 enum class PlayState { Idle, CountIn, Playing };

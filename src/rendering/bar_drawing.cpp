@@ -382,6 +382,7 @@ class BarPainter {
   void beatOnTab(int k);
   void tabRhythm(int k, const std::vector<BeatRhythm>& r);
   void notationLayer(bool bassStaff);
+  void staffCursor(bool bassStaff, double base, double staffTop, bool flats, bool split);
   void drumLayer(double staffTop);
   void aboveSigns(int k);
   void linkSign(int k, int s, double numberRight);
@@ -933,6 +934,23 @@ void BarPainter::notationLayer(bool bassStaff) {
       }
     }
   }
+  staffCursor(bassStaff, base, staffTop, flats, split);
+}
+
+// The cursor of notation entry: a box round the head's place on the line the pitch takes,
+// with the ledger lines that the note would get, so the eye reads the pitch before it is set.
+void BarPainter::staffCursor(bool bassStaff, double base, double staffTop, bool flats, bool split) {
+  const int pitch = ctx_.cursorLine;
+  if (pitch < 0 || ctx_.cursorBar != bar_ || ctx_.cursorBeat < 0 ||
+      ctx_.cursorBeat >= static_cast<int>(tb_.Beats.size()))
+    return;
+  if (split && (bassStaff ? pitch >= 48 : pitch < 48)) return;
+  const Color blue{0, 90, 220, 255};
+  const double c = cx(ctx_.cursorBeat);
+  const double cy = base + StaffPosition(pitch, flats) + 6.5;
+  for (double ly = staffTop - 7; ly >= cy - 1; ly -= 7) s_.drawLine({c - 5.5, ly}, {c + 5.5, ly}, blue);
+  for (double ly = staffTop + 35; ly <= cy + 1; ly += 7) s_.drawLine({c - 5.5, ly}, {c + 5.5, ly}, blue);
+  s_.drawRect({c - 7, cy - 4.5, 14, 9}, blue, 1.5);
 }
 
 void BarPainter::drumLayer(double staffTop) {

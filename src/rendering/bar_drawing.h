@@ -26,6 +26,9 @@ struct DrawContext {
   int cursorBar = -1;
   int cursorBeat = -1;
   int cursorString = 0;
+  // Notation entry: the pitch whose staff line carries the cursor; -1 when the cursor is on
+  // the tab.
+  int cursorLine = -1;
   // Notes before each bar, for the lyric syllables; filled on first use in a pass.
   std::vector<int> notesBeforeBar;
   // What stands over the current row (texts, chord names and charts), so that a long text

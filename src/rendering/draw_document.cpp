@@ -24,6 +24,7 @@ struct Placement {
   // Paper output: every page is drawn with its top at 0 on the surface this gives for it
   // (nullptr: the page is walked for its bars but not drawn).
   const PageSurfaceFn* perPage = nullptr;
+  int cursorLine = -1;      // notation entry: the pitch the staff cursor stands on
 };
 
 // The high limit of a full relayout: every row gets its position, seen or not, while the
@@ -72,6 +73,7 @@ void runPages(Document& doc, int track, const LayoutSettings& st, const DrawText
     pageCtx->cursorBar = doc.CursorBar;
     pageCtx->cursorBeat = doc.CursorBeat;
     pageCtx->cursorString = doc.CursorString;
+    pageCtx->cursorLine = pl.cursorLine;
   }
   const int16_t perPage = rows.RowsPerPage();
   const long long rowStep = static_cast<long long>(rows.rowHeight()) + rows.rowSpacing();
@@ -145,6 +147,7 @@ void redrawStored(Document& doc, int track, const LayoutSettings& st, const Draw
     ctx.cursorBar = doc.CursorBar;
     ctx.cursorBeat = doc.CursorBeat;
     ctx.cursorString = doc.CursorString;
+    ctx.cursorLine = pl.cursorLine;
   }
   for (int page = 0; page <= lastPage; ++page) {
     const long long top = pl.firstTop + static_cast<long long>(page) * (st.PageHeight + 35);
@@ -291,6 +294,7 @@ DrawResult DrawDocument(Document& doc, const LayoutSettings& settings, const Vie
                                : 0);
   pl.full = doc.FullRelayout || view.Playing || view.ForceFullLayout || (view.VScroll == 0 && !view.StartingUp) ||
             !stored;
+  pl.cursorLine = view.NotationLine;
   DrawResult r = runPass(doc, doc.CursorTrack, settings, texts, pl, &surface, view.DrawCursor, &view);
   if (!view.Printing) doc.FullRelayout = false;
   return r;

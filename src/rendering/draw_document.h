@@ -42,6 +42,7 @@ struct ViewState {
   bool StartingUp = false;     // while set, a scroll of 0 does not force a full relayout
   bool Printing = false;       // a print pass leaves FullRelayout for the next screen draw
   bool DrawCursor = true;
+  int NotationLine = -1;       // in notation entry, the pitch of the cursor on the staff
   Color Background{128, 128, 128, 255};  // the picture round the sheets (system colour)
 };
 

@@ -16,7 +16,13 @@
 #include <functional>
 #include <random>
 
+#include <QDockWidget>
+#include <QMainWindow>
+#include <QTest>
+
 #include "editing/ui/bar_dialogs.h"
+#include "editing/ui/find_dialog.h"
+#include "editing/ui/practice_panels.h"
 #include "editing/ui/track_dialogs.h"
 #include "editing/ui/track_menus.h"
 #include "reference/tunings.h"
@@ -203,6 +209,56 @@ TEST(TrackDialogs, AddADrumTrackThenMuteAndSoloInTheMixTable) {
   EXPECT_EQ(heard, (std::vector<bool>{true, true}));
   mix.findChild<QCheckBox*>("chkSolo1")->setChecked(false);
   EXPECT_EQ(heard, (std::vector<bool>{false, true}));
+}
+
+TEST(PracticePanels, ClicksOnTheFretboardAndPianoWriteAtTheCursor) {
+  app();
+  Document doc;
+  ScriptedPrompter prompter;
+  EditContext ctx(doc, prompter);
+  MemorySettingsStore settings;
+  QMainWindow window;
+  PracticePanels panels(window, ctx, settings);
+  window.resize(1000, 600);
+  window.show();
+  panels.fretboardDock()->show();
+  panels.pianoDock()->show();
+  QApplication::processEvents();
+  for (const bool lefty : {false, true}) {
+    panels.fretboard()->setLeftHanded(lefty);
+    doc.score.noteMut(0, 0, 0, 4).Fret.clear();
+    const FretboardGeometry g = panels.fretboard()->geometry();
+    // Fret 3 of string 5.
+    QTest::mouseClick(panels.fretboard(), Qt::LeftButton, {},
+                      QPoint(static_cast<int>(g.shown(g.fretCentreX(3))), static_cast<int>(g.stringY(4))));
+    EXPECT_EQ(doc.score.note(0, 0, 0, 4).Fret, "3") << "left-handed " << lefty;
+  }
+  // Middle C on the piano goes to the B string, fret 1.
+  const PianoGeometry p = panels.piano()->geometry();
+  const PianoGeometry::Box c4 = p.keyBox(60);
+  QTest::mouseClick(panels.piano(), Qt::LeftButton, {}, QPoint(static_cast<int>(c4.x + c4.w / 2), static_cast<int>(p.height - 4)));
+  EXPECT_EQ(doc.score.note(0, 0, 0, 1).Fret, "1");
+  // The View menu's left-handed switch is kept.
+  QAction lefty;
+  lefty.setObjectName("mnuViewLefty");
+  panels.connectMenus([&](const QString& n) { return n == "mnuViewLefty" ? &lefty : nullptr; });
+  lefty.setChecked(true);
+  EXPECT_EQ(settings.GetSetting("VirtualInstruments", "LeftHanded"), "1");
+}
+
+TEST(FindReplaceWindow, ReplaceAllFromTheWindow) {
+  app();
+  Document doc;
+  doc.score.beatMut(0, 0, 0).Text = "intro riff";
+  ScriptedPrompter prompter;
+  EditContext ctx(doc, prompter);
+  FindReplaceDialog d(ctx);
+  d.txtFind->setText("riff");
+  d.txtReplace->setText("lick");
+  d.findChild<QPushButton*>("cmdReplaceAll")->click();
+  EXPECT_EQ(doc.score.beat(0, 0, 0).Text, "intro lick");
+  ASSERT_EQ(prompter.asked().size(), 1u);
+  EXPECT_EQ(prompter.asked()[0].text, "1 terms were replaced.");
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 
 #include "playback/offline_play.h"
 #include "playback/scheduler.h"
+#include "playback/speed_trainer.h"
 #include "playback/virtual_clock.h"
 #include "song_builder.h"
 
@@ -350,6 +351,89 @@ TEST(Scheduler, SpeedTrainerLoopsFasterEachPass) {
   EXPECT_EQ(TimesOf(NoteOns(out.messages), 0), (std::vector<double>{62, 62 + 64 * 62, 62 + 64 * 62 + 64 * 31}));
   EXPECT_FALSE(sch.playing());
   EXPECT_TRUE(EveryNoteEnds(out.messages));
+}
+
+// Four bars with one whole note each, on frets 1 to 4 so each bar's note can be told apart.
+Score FourBarSong() {
+  Score s = MakeSong(1, 4, 120);
+  for (int b = 0; b < 4; ++b) AddBeat(s, 0, b, kWhole, {{0, std::to_string(b + 1).c_str()}});
+  return s;
+}
+
+TEST(SpeedTrainer, FivePassesClimbTenAtATimeThenStop) {
+  struct Case {
+    bool countIn;
+    int clicksPerPass;
+  };
+  for (const Case c : {Case{false, 0}, Case{true, 4}}) {
+    Score s = FourBarSong();
+    VirtualClock clock;
+    RecordingMidiOut out([&] { return clock.nowMs(); });
+    Scheduler sch(out, clock);
+    sch.options.CountIn = c.countIn;
+    std::vector<std::pair<int, int>> passes;
+    sch.hooks.trainerPass = [&](int pass, int tempo) { passes.push_back({pass, tempo}); };
+    SpeedTrainerForm form;
+    form.FromBar = 2;
+    form.ToBar = 3;
+    form.StartTempo = 60;
+    form.Step = 10;
+    form.TopTempo = 100;
+    form.Passes = 5;
+    SpeedTrainer tr;
+    ASSERT_EQ(CheckSpeedTrainer(form, 4, tr, [](std::string_view k) { return std::string(k); }), "");
+    EXPECT_EQ(TrainerPassTempos(tr), (std::vector<int>{60, 70, 80, 90, 100}));
+    sch.PlayTrainer(s, tr);
+    clock.runUntilIdle(1e9);
+    EXPECT_FALSE(sch.playing()) << "stops after the last pass";
+    EXPECT_EQ(passes, (std::vector<std::pair<int, int>>{{1, 60}, {2, 70}, {3, 80}, {4, 90}, {5, 100}}));
+    // Bars 2 and 3 (frets 2, 3) five times; bars 1 and 4 never.
+    std::vector<NoteOn> notes, clicks;
+    for (const NoteOn& n : NoteOns(out.messages)) (n.channel == 0 && n.note == 90 && n.velocity == 127 ? clicks : notes).push_back(n);
+    std::vector<int> keys;
+    for (const NoteOn& n : notes) keys.push_back(n.note - 64);
+    EXPECT_EQ(keys, (std::vector<int>{2, 3, 2, 3, 2, 3, 2, 3, 2, 3})) << "count-in " << c.countIn;
+    EXPECT_EQ(clicks.size(), static_cast<size_t>(5 * c.clicksPerPass));
+    // Within each pass the second bar starts 64 steps of that pass's tempo after the first.
+    for (size_t p = 0; p < 5; ++p) {
+      const double step = IntervalForTempo(60 + 10 * static_cast<int>(p));
+      EXPECT_DOUBLE_EQ(notes[2 * p + 1].ms - notes[2 * p].ms, 64 * step) << "pass " << p + 1;
+    }
+    EXPECT_TRUE(EveryNoteEnds(out.messages));
+  }
+}
+
+TEST(SpeedTrainer, FormChecksAndDefaults) {
+  const auto key = [](std::string_view k) { return std::string(k); };
+  struct Case {
+    SpeedTrainerForm form;
+    const char* message;
+  };
+  const Case cases[] = {
+      {{1, 2, 60, 5, 120, 5}, ""},
+      {{1, 2, 0, 5, 120, 5}, "str_StartRateInvalid1str_Invalid2"},
+      {{1, 2, 60, 5, 1000, 5}, "str_FinalRateInvalid1str_Invalid2"},
+      {{1, 2, 60, 5, 50, 5}, "str_FinalRateTooLow"},
+      {{1, 2, 60, 0, 120, 5}, "str_IncreaseInvalid1str_Invalid2"},
+      {{1, 2, 60, 5, 120, 0}, "str_IncreaseFreqInvalid1str_Invalid2"},
+      {{3, 2, 60, 5, 120, 5}, "str_PleaseEnterValidNumber"},
+      {{1, 5, 60, 5, 120, 5}, "str_PleaseEnterValidNumber"},  // the song has four bars
+  };
+  for (const Case& c : cases) {
+    SpeedTrainer tr;
+    EXPECT_EQ(CheckSpeedTrainer(c.form, 4, tr, key), c.message);
+  }
+  // Capped at the top: the passes after it stay there.
+  SpeedTrainer capped{0, 0, 3, 90, 100, 20};
+  EXPECT_EQ(TrainerPassTempos(capped), (std::vector<int>{90, 100, 100, 100}));
+  // The selection's bars, else the cursor's; 60% of the song's tempo up to the song's.
+  Score s = FourBarSong();
+  s.Tempo = 140;
+  const SpeedTrainerForm sel = DefaultSpeedTrainerForm(s, 0, 1, 2);
+  EXPECT_EQ((std::vector<int>{sel.FromBar, sel.ToBar, sel.StartTempo, sel.TopTempo}), (std::vector<int>{2, 3, 84, 140}));
+  const SpeedTrainerForm cur = DefaultSpeedTrainerForm(s, 3, -1, -1);
+  EXPECT_EQ(cur.FromBar, 4);
+  EXPECT_EQ(cur.ToBar, 4);
 }
 
 TEST(Scheduler, EndlessSongIsRefusedOffline) {

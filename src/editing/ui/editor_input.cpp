@@ -39,6 +39,13 @@ std::optional<int> digitOfShiftedKey(const QKeyEvent& e) {
 
 // The translucent band over the marked beats and bars. It lies on top of the page, takes no
 // mouse events, and is repainted after every draw of the page.
+// The view's zoom (its "zoom" property; 1 when it has none): pixels per page unit.
+double zoomOf(const QObject* view) {
+  const QVariant z = view ? view->property("zoom") : QVariant();
+  const double v = z.isValid() ? z.toDouble() : 1.0;
+  return v > 0 ? v : 1.0;
+}
+
 class BandOverlay : public QWidget {
  public:
   BandOverlay(QWidget* viewport, const EditContext& ctx) : QWidget(viewport), ctx_(ctx) {
@@ -53,6 +60,8 @@ class BandOverlay : public QWidget {
     const auto rects = SelectionBand(ctx_);
     if (rects.empty()) return;
     QPainter p(this);
+    const double z = zoomOf(parentWidget() ? parentWidget()->parentWidget() : nullptr);
+    p.scale(z, z);
     QColor fill = palette().color(QPalette::Highlight);
     fill.setAlpha(60);
     QColor edge = fill;
@@ -145,6 +154,8 @@ bool EditorInput::eventFilter(QObject* watched, QEvent* event) {
   // Compared by pointer only: while the view is being destroyed its viewport still sends
   // events, and the view must not be asked for anything then.
   if (watched == viewport_ && event->type() == QEvent::Wheel) {
+    // Ctrl with the wheel is the view's zoom.
+    if (static_cast<QWheelEvent*>(event)->modifiers() & Qt::ControlModifier) return false;
     wheel(*static_cast<QWheelEvent*>(event));
     return true;
   }
@@ -153,7 +164,8 @@ bool EditorInput::eventFilter(QObject* watched, QEvent* event) {
     if (!(me->buttons() & Qt::LeftButton)) return false;
     Modifiers mods = 0;
     if (me->modifiers() & Qt::ControlModifier) mods |= kCtrl;
-    picDocument_MouseDrag(ctx_, mods, me->position().x(), me->position().y());
+    const double z = zoomOf(view_);
+    picDocument_MouseDrag(ctx_, mods, me->position().x() / z, me->position().y() / z);
     return true;
   }
   if (watched == viewport_ && event->type() == QEvent::MouseButtonPress) {
@@ -165,7 +177,8 @@ bool EditorInput::eventFilter(QObject* watched, QEvent* event) {
     if (me->modifiers() & Qt::ShiftModifier) mods |= kShift;
     if (me->modifiers() & Qt::ControlModifier) mods |= kCtrl;
     view_->setFocus(Qt::MouseFocusReason);
-    picDocument_MouseDown(ctx_, b, mods, me->position().x(), me->position().y());
+    const double z = zoomOf(view_);
+    picDocument_MouseDown(ctx_, b, mods, me->position().x() / z, me->position().y() / z);
     return true;
   }
   return false;
@@ -199,7 +212,7 @@ void EditorInput::afterDraw() {
   if (!follow_) return;
   follow_ = false;
   QScrollBar* v = view_->verticalScrollBar();
-  const int want = ScrollToShowCursor(ctx_.doc, v->value(), viewport_->height());
+  const int want = ScrollToShowCursor(ctx_.doc, v->value(), viewport_->height() / zoomOf(view_));
   if (want == v->value()) return;
   // The draw that called us is still painting, and a scroll made now would not repaint: move
   // the bar once it has finished. The bar positions of the old scroll value go with it, so the

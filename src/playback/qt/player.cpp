@@ -62,6 +62,10 @@ void Player::wire() {
     lastFollowBar_ = bar;
     emit followBar(bar);
   };
+  scheduler_->hooks.beatStarts = [this](int track, int bar, int beat) {
+    if (track == options_.CurrentTrack) emit beatSounding(track, bar, beat);
+  };
+  scheduler_->hooks.trainerPass = [this](int pass, int tempo) { emit trainerPass(pass, tempo); };
   scheduler_->hooks.stopped = [this] {
     emit playMarkerMoved(0, 0, false);
     emit playingChanged(false);
@@ -207,6 +211,15 @@ void Player::soundChordDiagram(const Track& track, const BeatChord& chord) {
   MIDIAllNotesOff(*out_);
   PlayChordDiagram({*out_, options_.OutputBank}, track, chord);
   tmrStop_->setInterval(1500);
+  tmrStop_->setEnabled(true);
+  reportSilence();
+}
+
+void Player::soundDrum(int sound) {
+  const int key = GetDrumNote(sound);
+  if (scheduler_->playing() || key == 0) return;
+  MIDINoteOn(*out_, 9, key, 100);  // the General MIDI percussion channel
+  tmrStop_->setInterval(600);
   tmrStop_->setEnabled(true);
   reportSilence();
 }

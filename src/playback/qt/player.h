@@ -65,6 +65,8 @@ class Player : public QObject {
   void play(const Document& doc, int startBar, int endBar);
   // The speed trainer dialog: loop bars, faster each pass.
   void playTrainer(const Document& doc, const SpeedTrainer& trainer);
+  // The Score that plays now (a copy taken at the start); empty when idle.
+  const Score& playingScore() const { return snapshot_; }
   void stop();
   // Sends each track's instrument to its channels, as playback would. The built-in synthesizer
   // reads an instrument's sounds when it is first chosen, so this gets them in ahead of time.
@@ -76,6 +78,8 @@ class Player : public QObject {
   void soundBeat(const Score& score, int track, int bar, int beat);
   void soundBeat(const Document& doc, int track, int bar, int beat) { soundBeat(doc.score, track, bar, beat); }
   void soundChordDiagram(const Track& track, const BeatChord& chord);
+  // One sound of the percussion list (1 "Acoustic Bass Drum" ...), as the drum cursor meets it.
+  void soundDrum(int sound);
 
   // The mix table changed: the sound fields of each track (volume, instrument, channels) of
   // `score` go into the song that plays, and the silenced tracks stop at once. Also kept for
@@ -89,6 +93,11 @@ class Player : public QObject {
  signals:
   void playMarkerMoved(int left, int top, bool visible);
   void playPositionChanged(int bar, int beat, bool visible);
+  // A beat of the window's track starts sounding (whether or not the page follows), for the
+  // fretboard and piano; past the bar's last beat while the track waits for the next bar.
+  void beatSounding(int track, int bar, int beat);
+  // The speed trainer begins a pass (from 1) at this tempo.
+  void trainerPass(int pass, int tempo);
   void followBar(int bar);
   void playingChanged(bool playing);
   void noSound(const QString& why);

@@ -4,6 +4,8 @@
 #include <QMouseEvent>
 #include <QPainter>
 #include <QScrollBar>
+#include <QWheelEvent>
+#include <cmath>
 
 #include "score/bar_timing.h"
 
@@ -34,6 +36,32 @@ DocumentView::DocumentView(Document& doc, const IniSettings& ini, QWidget* paren
   setFocusPolicy(Qt::StrongFocus);
   viewport()->setAutoFillBackground(false);
   setFrameShape(QFrame::NoFrame);
+  setProperty("zoom", zoom_);
+}
+
+void DocumentView::setZoom(double zoom) {
+  zoom = std::clamp(zoom, kMinZoom, kMaxZoom);
+  // Steps of a few percent, so that zooming in and out again comes back exactly.
+  zoom = std::round(zoom * 100) / 100;
+  if (zoom == zoom_) return;
+  zoom_ = zoom;
+  setProperty("zoom", zoom_);
+  doc_.FullRelayout = true;
+  viewport()->update();
+  emit zoomChanged(zoom_);
+}
+
+// Ctrl with the wheel zooms, a notch a tenth at a time; without Ctrl the wheel scrolls.
+void DocumentView::wheelEvent(QWheelEvent* e) {
+  if (!(e->modifiers() & Qt::ControlModifier)) {
+    QAbstractScrollArea::wheelEvent(e);
+    return;
+  }
+  wheelZoomRest_ += e->angleDelta().y() / 120.0;
+  const double whole = std::trunc(wheelZoomRest_);
+  wheelZoomRest_ -= whole;
+  if (whole != 0) setZoom(zoom_ + 0.1 * whole);
+  e->accept();
 }
 
 void DocumentView::drawDocument() {
@@ -92,17 +120,19 @@ void DocumentView::paintEvent(QPaintEvent*) {
   ViewStatus status;
 #ifdef PLECTARO_HAVE_RENDERING
   {
-    QtSurface surface(painter);
+    const QColor bg = palette().color(QPalette::Dark);
+    painter.fillRect(viewport()->rect(), bg);
+    // The page is drawn in page units; the surface's scale makes them pixels at the zoom.
+    QtSurface surface(painter, zoom_);
     ViewState view;
-    view.PictureWidth = size.width();
-    view.PictureHeight = size.height();
+    view.PictureWidth = size.width() / zoom_;
+    view.PictureHeight = size.height() / zoom_;
     view.VScroll = verticalScrollBar()->value();
     view.HScroll = horizontalScrollBar()->value();
-    const QColor bg = palette().color(QPalette::Dark);
+    view.NotationLine = notationLine ? notationLine() : -1;
     view.Background = Color{static_cast<uint8_t>(bg.red()), static_cast<uint8_t>(bg.green()),
                             static_cast<uint8_t>(bg.blue()), 255};
     const DrawTexts texts = str_ ? DrawTextsFrom(str_) : DrawTexts{};
-    painter.fillRect(viewport()->rect(), bg);
     LayoutSettings settings = layoutSettings(ini_);
     settings.PaperSizeIndex = paperSizeIndex_;
     settings.Landscape = landscape_;

@@ -32,12 +32,23 @@ class DocumentView : public QAbstractScrollArea {
   // it) and a mouse press at a point of the picture.
   std::function<bool(QKeyEvent*)> onKey;
   std::function<void(QMouseEvent*)> onMousePress;
+  // The pitch the notation entry cursor stands on, or -1 while the cursor is on the tab.
+  std::function<int()> notationLine;
 
   // The paper of the page setup (a paper list index and the orientation); A4 upright until set.
   void setPaper(int16_t paperSizeIndex, bool landscape) {
     paperSizeIndex_ = paperSizeIndex;
     landscape_ = landscape;
   }
+
+  // The zoom of the picture, 0.5 to 4 (1 is one page unit to one pixel). It scales the
+  // painting itself, so lines and text stay sharp at any size and on a high-density screen;
+  // printing and the exports never see it. Also readable as the view's "zoom" property, which
+  // the editor's mouse handling uses to turn pixels back into page units.
+  double zoom() const { return zoom_; }
+  void setZoom(double zoom);
+  static constexpr double kMinZoom = 0.5;
+  static constexpr double kMaxZoom = 4.0;
 
   // DrawDocument: lays out as the document's flags ask and repaints now.
   void drawDocument();
@@ -47,6 +58,7 @@ class DocumentView : public QAbstractScrollArea {
  signals:
   void drawn(const plectaro::ViewStatus& status);
   void firstPainted();
+  void zoomChanged(double zoom);
 
  protected:
   void paintEvent(QPaintEvent*) override;
@@ -54,6 +66,7 @@ class DocumentView : public QAbstractScrollArea {
   void scrollContentsBy(int dx, int dy) override;
   void keyPressEvent(QKeyEvent* e) override;
   void mousePressEvent(QMouseEvent* e) override;
+  void wheelEvent(QWheelEvent* e) override;
 
  private:
   Document& doc_;
@@ -63,6 +76,8 @@ class DocumentView : public QAbstractScrollArea {
   bool landscape_ = false;
   bool painted_ = false;
   bool inPaint_ = false;
+  double zoom_ = 1.0;
+  double wheelZoomRest_ = 0;
   ViewStatus last_;
 
   void applyScroll(int vMax, int vPage, int vStep, int hMax, bool hEnabled);
