@@ -130,6 +130,15 @@ bool WriteDrumNote(EditContext& ctx, char symbol) {
     const int playing = DrumLineOf(tr, sound);
     if (playing >= 0 && freeFor(playing)) {
       line = playing;
+    } else if (playing >= 0) {
+      // The line already has this letter for another sound: the sound the cursor shows wins,
+      // written with the symbol that plays it there.
+      const auto& map = tr.DrumMaps[static_cast<size_t>(playing)].Drum;
+      const char written = kDrumSymbols[static_cast<size_t>(std::find(map.begin(), map.end(), sound) - map.begin())];
+      return RunCommand(ctx, [&] {
+        d.score.noteMut(d.CursorTrack, d.CursorBar, d.CursorBeat, playing).Fret = std::string(1, written);
+        d.CursorString = static_cast<int16_t>(playing);
+      }, "Typing");
     } else {
       int fewest = 13;
       for (int l = 0; l < stringCount(tr); ++l) {

@@ -59,9 +59,10 @@ int NextDrumLine(int line, bool down);
 int DrumLineOf(const Track& track, int sound, int symbolIndex = -1);
 
 // A drum letter on a drum track: the symbol is written on the line that sounds CursorLine for
-// it. Where no line has that pairing yet, a line that already plays the sound (else the line
-// with the fewest sounds) learns it in its drum map, so the letter always sounds what the
-// cursor shows. Returns false when every line is full.
+// it. Where no line has that pairing yet, the line that already plays the sound learns the
+// letter if it is free there, or else takes the symbol that plays the sound on it; a sound no
+// line plays is learnt by the line with the fewest sounds. So a letter always sounds what the
+// cursor shows. Returns false when no line can take it.
 bool WriteDrumNote(EditContext& ctx, char symbol);
 
 }  // namespace plectaro

@@ -18,7 +18,7 @@
 
 #include <QDockWidget>
 #include <QMainWindow>
-#include <QTest>
+#include <QMouseEvent>
 
 #include "editing/ui/bar_dialogs.h"
 #include "editing/ui/find_dialog.h"
@@ -34,9 +34,10 @@ namespace {
 int argc = 1;
 char arg0[] = "editing_ui_tests";
 char* argv[] = {arg0, nullptr};
+// Never destroyed: the pointing device a synthetic click brings up must not outlive it at exit.
 QApplication& app() {
-  static QApplication a(argc, argv);
-  return a;
+  static QApplication* a = new QApplication(argc, argv);
+  return *a;
 }
 
 // Answers the next modal dialog: `fill` sets its controls, then it is accepted or rejected.
@@ -211,6 +212,12 @@ TEST(TrackDialogs, AddADrumTrackThenMuteAndSoloInTheMixTable) {
   EXPECT_EQ(heard, (std::vector<bool>{false, true}));
 }
 
+// A left click at a point of a widget, as the mouse gives it.
+void press(QWidget* w, QPointF at) {
+  QMouseEvent e(QEvent::MouseButtonPress, at, w->mapToGlobal(at), Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
+  QApplication::sendEvent(w, &e);
+}
+
 TEST(PracticePanels, ClicksOnTheFretboardAndPianoWriteAtTheCursor) {
   app();
   Document doc;
@@ -229,14 +236,13 @@ TEST(PracticePanels, ClicksOnTheFretboardAndPianoWriteAtTheCursor) {
     doc.score.noteMut(0, 0, 0, 4).Fret.clear();
     const FretboardGeometry g = panels.fretboard()->geometry();
     // Fret 3 of string 5.
-    QTest::mouseClick(panels.fretboard(), Qt::LeftButton, {},
-                      QPoint(static_cast<int>(g.shown(g.fretCentreX(3))), static_cast<int>(g.stringY(4))));
+    press(panels.fretboard(), QPointF(g.shown(g.fretCentreX(3)), g.stringY(4)));
     EXPECT_EQ(doc.score.note(0, 0, 0, 4).Fret, "3") << "left-handed " << lefty;
   }
   // Middle C on the piano goes to the B string, fret 1.
   const PianoGeometry p = panels.piano()->geometry();
   const PianoGeometry::Box c4 = p.keyBox(60);
-  QTest::mouseClick(panels.piano(), Qt::LeftButton, {}, QPoint(static_cast<int>(c4.x + c4.w / 2), static_cast<int>(p.height - 4)));
+  press(panels.piano(), QPointF(c4.x + c4.w / 2, p.height - 4));
   EXPECT_EQ(doc.score.note(0, 0, 0, 1).Fret, "1");
   // The View menu's left-handed switch is kept.
   QAction lefty;

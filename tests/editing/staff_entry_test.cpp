@@ -193,10 +193,11 @@ TEST(DrumEntry, LettersWriteOnTheLineThatSoundsTheDrum) {
       {4, "o", 2, "O"},
       {12, "x", 1, "X"},  // open hi-hat
       {1, "x", 5, "X"},   // bass drum
-      // S on the snare line plays the electric snare, so the acoustic one goes to the line
-      // with the fewest sounds and a free S (the high toms), which learns it.
-      {4, "s", 3, "S"},
-      {15, "c", 3, "c"},  // likewise the crash with c
+      // S on the snare line plays the electric snare: the acoustic one is written with the
+      // symbol that plays it there.
+      {4, "s", 2, "X"},
+      {8, "x", 1, "x"},   // the closed hi-hat is "x" on the hi-hat line
+      {1, "s", 5, "S"},   // the bass drum line has no S yet and learns it
       {22, "x", -1, ""},  // cowbell: every line has its X taken
       {22, "t", 5, "t"},  // but the bass drum line has a free t
   };
@@ -221,8 +222,8 @@ TEST(DrumEntry, LettersWriteOnTheLineThatSoundsTheDrum) {
   // A map learnt while writing goes back with the note on undo.
   Editor e = drumEditor();
   const Score before = e.doc.score;
-  walkDrum(e, 15);
-  e.keys("c Z");
+  walkDrum(e, 1);
+  e.keys("s Z");
   EXPECT_EQ(e.doc.score, before);
 }
 
