@@ -27,11 +27,13 @@ const std::vector<BarLayout>* layoutOf(const Document& doc, int track) {
 
 // The pitch of the notation line nearest to y on one staff: the naturals and the sharps above
 // them share a height, and the natural is taken. `base` is the staff's note origin.
-int staffLineAt(double base, double y, bool keyFlats, int lowest, int highest) {
+int staffLineAt(double base, double staffTop, double y, bool keyFlats, int lowest, int highest) {
   int best = -1;
   double bestDist = std::numeric_limits<double>::max();
   for (int p = lowest; p <= highest; ++p) {
-    const double dist = std::abs(base + StaffPosition(p, keyFlats) + 6.5 - y);
+    // Heads sit on the staff's grid of lines and spaces, 3.5 units apart.
+    const double head = staffTop + 3.5 * std::round((base + StaffPosition(p, keyFlats) + 6.5 - staffTop) / 3.5);
+    const double dist = std::abs(head - y);
     const bool tie = std::abs(dist - bestDist) < 0.01;
     if (dist < bestDist - 0.01 || (tie && IsBlackKey(best) && !IsBlackKey(p))) best = p, bestDist = dist;
   }
@@ -49,11 +51,11 @@ int notationLineAt(const Track& tr, const BarLayout& l, int bar, double y) {
   const auto near = [&](double staffTop) { return y >= staffTop - 24 && y <= staffTop + 28 + 24; };
   if (tr.TrebleStaff && near(l.DrawY + TrebleStaffTop(tr))) {
     const int from = split ? std::max(bottom, 48) : bottom;
-    if (from <= top) return staffLineAt(l.DrawY + TrebleStaffTop(tr), y, flats, from, top);
+    if (from <= top) return staffLineAt(l.DrawY + TrebleStaffTop(tr), l.DrawY + TrebleStaffTop(tr), y, flats, from, top);
   }
   if (tr.BassStaff && near(l.DrawY + BassStaffTop(tr))) {
     const int to = split ? std::min(top, 47) : top;
-    if (bottom <= to) return staffLineAt(l.DrawY + BassStaffAnchor(tr), y, flats, bottom, to);
+    if (bottom <= to) return staffLineAt(l.DrawY + BassStaffAnchor(tr), l.DrawY + BassStaffTop(tr), y, flats, bottom, to);
   }
   return -1;
 }

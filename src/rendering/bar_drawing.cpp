@@ -947,7 +947,7 @@ void BarPainter::staffCursor(bool bassStaff, double base, double staffTop, bool 
   if (split && (bassStaff ? pitch >= 48 : pitch < 48)) return;
   const Color blue{0, 90, 220, 255};
   const double c = cx(ctx_.cursorBeat);
-  const double cy = base + StaffPosition(pitch, flats) + 6.5;
+  const double cy = onStaffGrid(base + StaffPosition(pitch, flats) + 6.5, staffTop);
   for (double ly = staffTop - 7; ly >= cy - 1; ly -= 7) s_.drawLine({c - 5.5, ly}, {c + 5.5, ly}, blue);
   for (double ly = staffTop + 35; ly <= cy + 1; ly += 7) s_.drawLine({c - 5.5, ly}, {c + 5.5, ly}, blue);
   s_.drawRect({c - 7, cy - 4.5, 14, 9}, blue, 1.5);
