@@ -17,6 +17,7 @@
 #include "playback/fluidsynth_out.h"
 #include "rendering/qt/page_export.h"
 #include "score/file_io.h"
+#include "shell/ini_settings.h"
 #include "verbs_rendering.h"
 
 namespace plectaro::cli {
@@ -160,6 +161,10 @@ int runBatch(Context& ctx, const Args& args) {
   job.OutFolder = args.value("--out");
   job.Settings.Settings = &ctx.settings;
   job.Settings.Midi = midiOptions(&args);
+  // Text tab is written with the warning block and line length the user set for exports.
+  IniSettings ini;
+  LoadINISettings(ini, ctx.app.iniFile());
+  job.Settings.Text = {ini.CopyrightWarning, ini.MaxLineLength};
   // The engraved PDF needs the window system's painter, which this program has and the
   // library does not: every track, pages as `convert` lays them out by default.
   AddBatchFormat({".pdf", "PDF documents", {}, {},

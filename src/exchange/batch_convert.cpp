@@ -32,6 +32,22 @@ void readMid(const std::filesystem::path& path, Document& doc, const BatchSettin
   ImportMIDIFile(path, settings.Midi, doc.score);
 }
 
+void readTxt(const std::filesystem::path& path, Document& doc, const BatchSettings& settings) {
+  const std::string untitled = doc.score.Title;
+  ASCIIToPLM(doc.score, 0, DecodeTabText(ReadWholeFile(path, size_t(64) << 20)), settings.Ascii);
+  // A title found in the text wins; else the song is named after its file, as MIDI imports are.
+  if (doc.score.Title == untitled) doc.score.Title = path.stem().string();
+}
+
+// A text file holds one track. The first that is not a drum track is the one a guitarist
+// wants as tab; a song of drums only writes its first track.
+void writeTxt(const Document& doc, const std::filesystem::path& path, const BatchSettings& settings) {
+  int track = 0;
+  for (int t = doc.score.LastTrack(); t >= 0; --t)
+    if (!doc.score.Tracks[static_cast<size_t>(t)].DrumTrack) track = t;
+  ExportASCII(doc.score, track, settings.Text, path);
+}
+
 void writeWav(const Document& doc, const std::filesystem::path& path, const BatchSettings& settings) {
   WaveJob job;
   job.ToBar = static_cast<int>(doc.score.BarInfos.size()) - 1;
@@ -46,6 +62,7 @@ std::vector<BatchFormat>& formats() {
        [](const Document& d, const std::filesystem::path& p, const BatchSettings&) { SaveMusicFile(d.score, p); }},
       {".mid", "MIDI files", {".midi"}, readMid,
        [](const Document& d, const std::filesystem::path& p, const BatchSettings&) { MakeMIDIFile(d.score, p); }},
+      {".txt", "Text tab files", {".tab"}, readTxt, writeTxt},
       {".wav", "Wave files", {}, {}, writeWav},
   };
   return list;

@@ -11,6 +11,8 @@
 #include <vector>
 
 #include "exchange/midi_import.h"
+#include "exchange/text_tab_export.h"
+#include "exchange/text_tab_import.h"
 #include "score/document.h"
 #include "score/settings_store.h"
 
@@ -19,6 +21,8 @@ namespace plectaro {
 struct BatchSettings {
   const SettingsStore* Settings = nullptr;  // the defaults of a new document
   MidiImportOptions Midi;                   // how MIDI files are imported
+  AsciiImportOptions Ascii;                 // how text tab is read
+  TextExportOptions Text;                   // the warning block and line length of text tab
 };
 
 // Fills a document that InitScore has prepared from a file.

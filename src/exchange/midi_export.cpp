@@ -35,16 +35,22 @@ double beatsBefore(const Score& s, int t, int bar, int count) {
   return p;
 }
 
+// A channel message at its tick. Eight bytes instead of a full MidiEvent: a long song sends
+// hundreds of thousands of these, and the export's time goes into moving memory otherwise.
 struct Placed {
-  double Pos;  // 64ths from the start of the song
-  MidiEvent Event;
+  uint32_t Tick;
+  uint8_t Status, Data1, Data2;
 };
+
+uint32_t ticksOf(double pos, int tpq) {
+  return static_cast<uint32_t>(std::max(0.0, std::nearbyint(pos * tpq / 16.0)));
+}
 
 // Listens to the scheduler: learns from each beat start where in the unfolded song that beat
 // lies, and turns the messages that follow into file events at that place.
 class ExportOut : public MidiOut {
  public:
-  ExportOut(const Score& s, const VirtualClock& clock) : s_(s), clock_(clock) {
+  ExportOut(const Score& s, const VirtualClock& clock, int tpq) : s_(s), clock_(clock), tpq_(tpq) {
     const size_t n = s.Tracks.size();
     anchorPos_.assign(n, 0);
     anchorMs_.assign(n, 0);
@@ -120,9 +126,9 @@ class ExportOut : public MidiOut {
         // what sequencers and notation programs need to see how long a note lasts.
         if (d1 == kAllSoundOff || d1 == kAllNotesOff) {
           // Every beat sends these pairs on two channels: walk only the keys that sound.
-          const std::vector<uint8_t> keys = std::move(keys_[static_cast<size_t>(ch)]);
-          keys_[static_cast<size_t>(ch)].clear();
+          auto& keys = keys_[static_cast<size_t>(ch)];
           for (uint8_t key : keys) noteOff(ch, key, pos);
+          keys.clear();  // keeps its room for the next beat
         } else if (d1 == kBankSelect) {
           bank_[static_cast<size_t>(ch)] = d2;
         } else {
@@ -176,7 +182,7 @@ class ExportOut : public MidiOut {
   }
 
   void put(int t, double pos, uint8_t status, uint8_t d1, uint8_t d2) {
-    events[static_cast<size_t>(t)].push_back({pos, MidiEvent{0, status, d1, d2, ""}});
+    events[static_cast<size_t>(t)].push_back({ticksOf(pos, tpq_), status, d1, d2});
   }
 
   void signature(int bar) {
@@ -188,6 +194,7 @@ class ExportOut : public MidiOut {
 
   const Score& s_;
   const VirtualClock& clock_;
+  int tpq_;
   std::vector<double> anchorPos_, anchorMs_;
   std::vector<int> passOf_;
   int pass_ = -1;
@@ -201,15 +208,12 @@ class ExportOut : public MidiOut {
   std::array<int, 16> program_{};
 };
 
-uint32_t ticksOf(double pos, int tpq) {
-  return static_cast<uint32_t>(std::max(0.0, std::nearbyint(pos * tpq / 16.0)));
-}
-
 }  // namespace
 
 MidiFileData MakeMIDIData(const Score& score, const MidiExportOptions& options) {
+  const int tpq = std::clamp(options.TicksPerQuarter, 1, 0x7FFF);
   VirtualClock clock;
-  ExportOut out(score, clock);
+  ExportOut out(score, clock, tpq);
   {
     Scheduler scheduler(out, clock);
     scheduler.options.FollowPlayback = false;
@@ -220,28 +224,35 @@ MidiFileData MakeMIDIData(const Score& score, const MidiExportOptions& options) 
   }
   out.finish();
 
-  const int tpq = std::clamp(options.TicksPerQuarter, 1, 0x7FFF);
   MidiFileData file;
   file.Format = score.Tracks.size() == 1 ? 0 : 1;
   file.Division = static_cast<uint16_t>(tpq);
   for (size_t t = 0; t < score.Tracks.size(); ++t) {
-    MidiTrackChunk chunk;
-    chunk.Events.push_back(MakeMetaEvent(0, kMetaTrackName, score.Tracks[t].Name));
+    std::vector<Placed>& placed = out.events[t];
+    // A note-off that another track's beat sent can come in late by a fraction of a step.
+    const auto byTick = [](const Placed& a, const Placed& b) { return a.Tick < b.Tick; };
+    if (!std::is_sorted(placed.begin(), placed.end(), byTick)) std::stable_sort(placed.begin(), placed.end(), byTick);
+
+    // The meta events lead at their tick; the messages follow in the order they were sent.
+    std::vector<MidiEvent> metas;
+    metas.push_back(MakeMetaEvent(0, kMetaTrackName, score.Tracks[t].Name));
     if (t == 0) {
       const double tempo = score.Tempo > 0 ? score.Tempo : 60;
-      chunk.Events.push_back(MakeTempoEvent(0, static_cast<uint32_t>(std::nearbyint(60000000.0 / tempo))));
+      metas.push_back(MakeTempoEvent(0, static_cast<uint32_t>(std::nearbyint(60000000.0 / tempo))));
       for (const auto& [pos, sig] : out.signatures)
-        chunk.Events.push_back(MakeTimeSignatureEvent(ticksOf(pos, tpq), sig.first, sig.second));
+        metas.push_back(MakeTimeSignatureEvent(ticksOf(pos, tpq), sig.first, sig.second));
+      std::stable_sort(metas.begin(), metas.end(), [](const MidiEvent& a, const MidiEvent& b) { return a.Tick < b.Tick; });
     }
-    for (const Placed& p : out.events[t]) {
-      MidiEvent e = p.Event;
-      e.Tick = ticksOf(p.Pos, tpq);
-      chunk.Events.push_back(std::move(e));
+    MidiTrackChunk chunk;
+    chunk.Events.reserve(metas.size() + placed.size() + 1);
+    size_t m = 0;
+    for (const Placed& p : placed) {
+      while (m < metas.size() && metas[m].Tick <= p.Tick) chunk.Events.push_back(std::move(metas[m++]));
+      chunk.Events.push_back(MidiEvent{p.Tick, p.Status, p.Data1, p.Data2, {}});
     }
-    // A note-off that another track's beat sent can come in late by a fraction of a step.
-    std::stable_sort(chunk.Events.begin(), chunk.Events.end(),
-                     [](const MidiEvent& a, const MidiEvent& b) { return a.Tick < b.Tick; });
+    while (m < metas.size()) chunk.Events.push_back(std::move(metas[m++]));
     chunk.Events.push_back(MakeMetaEvent(ticksOf(out.endPos, tpq), kMetaEndOfTrack, ""));
+    std::vector<Placed>().swap(placed);
     file.Tracks.push_back(std::move(chunk));
   }
   return file;

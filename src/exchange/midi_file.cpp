@@ -1,5 +1,6 @@
 #include "exchange/midi_file.h"
 
+#include <algorithm>
 #include <limits>
 
 namespace plectaro {
@@ -72,6 +73,10 @@ int dataBytesOf(uint8_t status) {
 MidiTrackChunk parseTrack(std::string_view body, int number) {
   ByteReader r(body, "track " + std::to_string(number));
   MidiTrackChunk track;
+  // An event takes at least three bytes in all but rare files; reserving that many saves
+  // moving every event of a long track several times. Capped so that a track of one huge
+  // system-exclusive message does not reserve room for millions of events.
+  track.Events.reserve(std::min<size_t>(body.size() / 3 + 1, size_t(1) << 18));
   uint64_t tick = 0;
   uint8_t running = 0;
   while (!r.atEnd()) {
@@ -185,6 +190,7 @@ std::string SerializeMidiFile(const MidiFileData& file) {
   putU16(out, file.Division);
   for (const MidiTrackChunk& track : file.Tracks) {
     std::string body;
+    body.reserve(track.Events.size() * 4 + 16);
     uint32_t last = 0;
     uint8_t running = 0;
     bool ended = false;

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <map>
 #include <optional>
+#include <span>
 
 #include "playback/midi_out.h"
 #include "score/bar_timing.h"
@@ -55,8 +56,20 @@ const std::vector<LengthChoice>& lengthChoices() {
 // shortest beat is left out; the caller measures from positions, so it does not add up.
 // A span of whole 64ths takes plain and dotted lengths only; a span with a third in it takes
 // one triplet that leaves whole 64ths, so that triplets appear only where the notes need them.
-std::vector<LengthChoice> splitSpan(double span) {
-  std::vector<LengthChoice> out;
+// At most 64 parts, kept on the stack: an import splits a span for every chord it lays.
+struct SpanParts {
+  std::array<LengthChoice, 64> items;
+  size_t count = 0;
+  void push_back(const LengthChoice& c) { items[count++] = c; }
+  size_t size() const { return count; }
+  bool empty() const { return count == 0; }
+  const LengthChoice& operator[](size_t i) const { return items[i]; }
+  const LengthChoice* begin() const { return items.data(); }
+  const LengthChoice* end() const { return items.data() + count; }
+};
+
+SpanParts splitSpan(double span) {
+  SpanParts out;
   const auto whole = [](double v) { return std::fabs(v - std::nearbyint(v)) < 1e-3; };
   if (!whole(span)) {
     for (const LengthChoice& c : lengthChoices())
@@ -189,6 +202,12 @@ class TrackBuilder {
       const double barEnd = bar.Start + bar.Length;
       auto& beats = s_.barMut(t_, static_cast<int>(b)).Beats;
       beats.clear();
+      // Room for a beat per chord, which is what a bar of notes holds when nothing needs
+      // splitting: growing the bar beat by beat moves every beat several times.
+      size_t chords = 0;
+      for (size_t n = i; n < notes.size() && notes[n].Start < barEnd - kEps; ++n)
+        chords += n == i || notes[n].Start != notes[n - 1].Start;
+      beats.reserve(std::max<size_t>(chords, 1));
       double cursor = bar.Start;
       while (i < notes.size() && notes[i].Start < barEnd - kEps) {
         size_t j = i;
@@ -202,7 +221,7 @@ class TrackBuilder {
         cursor = lay(static_cast<int>(b), cursor, p, {});
         const double end = std::min({chordEnd, nextStart, barEnd});
         const int first = static_cast<int>(beats.size());
-        cursor = lay(static_cast<int>(b), cursor, std::max(end, p + kEps), std::vector<MidiNote>(notes.begin() + i, notes.begin() + j));
+        cursor = lay(static_cast<int>(b), cursor, std::max(end, p + kEps), std::span(notes).subspan(i, j - i));
         if (o_.AddTies && chordEnd > barEnd + kEps && first < static_cast<int>(beats.size())) {
           tie_ = beats[static_cast<size_t>(first)];
           tieEnd_ = chordEnd;
@@ -212,7 +231,7 @@ class TrackBuilder {
       }
       cursor = carryTie(static_cast<int>(b), cursor, barEnd);
       lay(static_cast<int>(b), cursor, barEnd, {});
-      if (beats.empty()) beats.push_back(restOf(lengthChoices().back()));
+      if (beats.empty()) addRest(beats, lengthChoices().back());
     }
     // Notes behind the last bar a score can hold are lost.
     report.Lost += static_cast<int>(notes.size() - i);
@@ -223,8 +242,9 @@ class TrackBuilder {
  private:
   bool drums() const { return s_.Tracks[static_cast<size_t>(t_)].DrumTrack; }
 
-  static Beat restOf(const LengthChoice& c) {
-    Beat beat;
+  // Built in place: a Beat is large, and a temporary would be written twice.
+  static Beat& addRest(std::vector<Beat>& beats, const LengthChoice& c) {
+    Beat& beat = beats.emplace_back();
     beat.Length = c.Length;
     beat.Dotted = c.Dotted;
     beat.IsTuplet = c.Triplet;
@@ -234,12 +254,12 @@ class TrackBuilder {
 
   // Fills cursor..until with beats. The first holds `chord`; the rest continue it as tied
   // beats with "Add ties", else they are rests. Returns where the beats end.
-  double lay(int bar, double cursor, double until, const std::vector<MidiNote>& chord) {
-    const std::vector<LengthChoice> parts = splitSpan(until - cursor);
+  double lay(int bar, double cursor, double until, std::span<const MidiNote> chord) {
+    const SpanParts parts = splitSpan(until - cursor);
     auto& beats = s_.barMut(t_, bar).Beats;
     for (size_t k = 0; k < parts.size(); ++k) {
       if (beats.size() >= static_cast<size_t>(kMaxIndex)) break;
-      beats.push_back(restOf(parts[k]));
+      addRest(beats, parts[k]);
       const int beat = static_cast<int>(beats.size()) - 1;
       if (k == 0) {
         for (const MidiNote& n : chord) place(bar, beat, n);
@@ -256,12 +276,10 @@ class TrackBuilder {
   double carryTie(int bar, double cursor, double until) {
     if (!tie_) return cursor;
     const double end = std::min(tieEnd_, until);
-    const std::vector<LengthChoice> parts = splitSpan(end - cursor);
+    const SpanParts parts = splitSpan(end - cursor);
     auto& beats = s_.barMut(t_, bar).Beats;
     for (const LengthChoice& c : parts) {
-      Beat beat = restOf(c);
-      tieFrom(*tie_, beat);
-      beats.push_back(beat);
+      tieFrom(*tie_, addRest(beats, c));
       cursor += c.Value;
     }
     if (tieEnd_ <= until + kEps) tie_.reset();

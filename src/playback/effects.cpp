@@ -149,10 +149,16 @@ EffectPlan PlanTrill(int channel, int main, int other, int velocity, double step
   plan.Channel = channel;
   plan.IntervalMs = interval(stepMs * period64ths);
   Capture cap(plan);
+  // Each note of the trill ends the one before it, and nothing else: a channel-wide stop would
+  // also silence a bend or the rest of a chord held beside the trill, which on a guitar ring on.
   bool second = false;
+  int sounding = -1;
   for (int left = countOver(beat64ths, period64ths); left > 0; --left) {
-    MIDIChannelNotesOff(cap.next(), channel);
-    MIDINoteOn(cap, channel, second ? other : main, velocity);
+    cap.next();
+    const int key = second ? other : main;
+    if (sounding >= 0) MIDINoteOff(cap, channel, sounding);
+    MIDINoteOn(cap, channel, key, velocity);
+    sounding = key;
     second = !second;
   }
   return plan;

@@ -66,7 +66,8 @@ EffectPlan PlanVibrato(int channel, double stepMs, double beat64ths, bool wide, 
 // is already sounding, else firing 0 strikes it.
 EffectPlan PlanSlide(int channel, int from, int to, int velocity, int holdFirings, int32_t intervalMs,
                      bool strikeFirst);
-// Alternates `main` and `other` (starting with main), one note every period64ths.
+// Alternates `main` and `other` (starting with main), one note every period64ths; each note
+// ends the one before, leaving the channel's other notes alone.
 EffectPlan PlanTrill(int channel, int main, int other, int velocity, double stepMs, double beat64ths,
                      double period64ths);
 // Strikes the same notes again every period64ths for the length of the beat.

@@ -119,7 +119,14 @@ void PlayDrumBeat(MidiOut& out, const Score& s, int t, int b, int k) {
 int NoteChannel(const Track& tr, const Beat& beat, const NoteSlot& slot) {
   const bool beatWheel = beat.HasTremoloBar || beat.ChordTechnique == kVibrato || beat.ChordTechnique == kWideVibrato;
   const bool picked = slot.Technique >= kTremoloPicking8 && slot.Technique <= kTremoloPicking32;
-  if (beatWheel || slot.HasBend || slot.HasTrill || slot.HasGrace || picked) return tr.EffectChannel;
+  if (beatWheel || slot.HasBend) return tr.EffectChannel;
+  // The effect channel's wheel belongs to a bend on another string of the beat, if there is
+  // one. A trill beside it is played on the main channel, so it keeps its pitch while the
+  // bent string rises; a trill on the bent note itself stays with the bend and rises too.
+  if (slot.HasTrill && std::any_of(beat.Notes.begin(), beat.Notes.end(),
+                                   [](const NoteSlot& n) { return n.HasBend && n.hasNote(); }))
+    return tr.Channel;
+  if (slot.HasTrill || slot.HasGrace || picked) return tr.EffectChannel;
   return tr.Channel;
 }
 
@@ -210,6 +217,11 @@ bool startNoteTakingEffect(const EffectStart& e, const Score& s, int t, int b, i
   return false;
 }
 
+void startBend(const EffectStart& e, const NoteSlot& slot, int channel) {
+  if (slot.HasBend)
+    e.fx.start(PlanBend(slot.Bend->Points, channel, e.stepMs, e.beat64ths, e.fx.settings.BendCoefficient));
+}
+
 // The key of the note on the same string in the beat after (t, b, k); false if none.
 bool nextKeyOnString(const Score& s, int t, int b, int k, int string, int& key) {
   if (SoundingPitch(s, t, b, k + 1, string, key)) return true;
@@ -222,8 +234,7 @@ void startNoteEffects(const EffectStart& e, const Score& s, int t, int b, int k,
                       int velocity, int channel) {
   const NoteSlot& slot =
       s.Tracks[static_cast<size_t>(t)].Bars[static_cast<size_t>(b)]->Beats[static_cast<size_t>(k)].Notes[static_cast<size_t>(string)];
-  if (slot.HasBend)
-    e.fx.start(PlanBend(slot.Bend->Points, channel, e.stepMs, e.beat64ths, e.fx.settings.BendCoefficient));
+  startBend(e, slot, channel);
   const int tech = slot.Technique;
   if (tech != kSlideUp && tech != kSlideDown && tech != kLegatoSlide) return;
   int target = 0;
@@ -288,7 +299,12 @@ void PlayChord(SoundOut so, const Score& s, int t, int b, int k, bool clearFirst
     const int channel = NoteChannel(tr, *beat, slot);
     anyNote = true;
     if (fxStart) {
-      if (startNoteTakingEffect(*fxStart, s, t, b, k, string, pitch, velocity, channel)) continue;
+      if (startNoteTakingEffect(*fxStart, s, t, b, k, string, pitch, velocity, channel)) {
+        // A bent string that trills (or takes a grace note) bends every note it sounds.
+        startBend(*fxStart, slot, channel);
+        wheelTaken = wheelTaken || slot.HasBend;
+        continue;
+      }
       if (slot.Technique >= kTremoloPicking8 && slot.Technique <= kTremoloPicking32) {
         // The picked strings of a beat are struck again together, so one element serves them.
         picked.push_back(pitch);

@@ -11,6 +11,7 @@
 #include "exchange/midi_file.h"
 #include "../cli_runner.h"
 #include "score/file_io.h"
+#include "shell/ini_settings.h"
 
 namespace plectaro {
 namespace {
@@ -57,6 +58,34 @@ TEST_F(MidiVerbs, ConvertBothWaysAndBatch) {
   EXPECT_NE(err().find("broken.mid: "), std::string::npos) << err();
   EXPECT_TRUE(fs::exists(at("out/band.plm")));
   EXPECT_FALSE(fs::exists(at("out/broken.plm")));
+}
+
+// Text tab both ways through `batch`: written with the export settings of PL4.ini, read with
+// .tab files counted as text tab, and each file the same as `convert` makes of it.
+TEST_F(MidiVerbs, BatchTextTab) {
+  const std::string demo = std::string(PLECTARO_SOURCE_DIR) + "/data/examples/";
+  IniSettings ini;
+  ini.CopyrightWarning = false;
+  ini.MaxLineLength = 30;
+  fs::create_directories(at("home"));
+  SaveINISettings(ini, at("home/PL4.ini"));
+  fs::copy_file(demo + "riff.plm", at("in/riff.plm"));
+  WriteFileAtomically(at("in/lick.tab"), "Title: Lick\r\ne|--5h7--8--|\r\nB|--------10-|\r\nG|-----------|\r\n"
+                                         "D|-----------|\r\nA|-----------|\r\nE|-----------|\r\n");
+  std::string out;
+  ASSERT_EQ(run("batch " + at("in").string() + " --from plm --to txt --out " + at("txt").string(), out), 0) << err();
+  EXPECT_EQ(out, "converted 1 of 1 files to .txt\n");
+  ASSERT_EQ(run("convert " + demo + "riff.plm " + at("riff.txt").string() + " --no-warning --max-line 30", out), 0);
+  EXPECT_EQ(ReadWholeFile(at("txt/riff.txt")), ReadWholeFile(at("riff.txt")));
+
+  ASSERT_EQ(run("batch " + at("in").string() + " --from txt --to plm --out " + at("plm").string(), out), 0) << err();
+  EXPECT_EQ(out, "converted 1 of 1 files to .plm\n");
+  ASSERT_EQ(run("convert " + at("in/lick.tab").string() + " " + at("lick.plm").string(), out), 0) << err();
+  ASSERT_EQ(run("info " + at("plm/lick.plm").string(), out), 0);
+  std::string direct;
+  ASSERT_EQ(run("info " + at("lick.plm").string(), direct), 0);
+  EXPECT_EQ(out.substr(out.find('\n')), direct.substr(direct.find('\n')));
+  EXPECT_NE(out.find("lick"), std::string::npos) << out;  // named after its file
 }
 
 TEST_F(MidiVerbs, BadInputAndUsage) {

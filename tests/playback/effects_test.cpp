@@ -177,7 +177,8 @@ TEST(Effects, NoteEffectsPlayTheirRuns) {
          slot(s).HasTrill = true;
          slot(s).Trill = {7, 1};
        },
-       1, {{62, 1, 69, 100}, {312, 1, 71, 100}, {562, 1, 69, 100}, {812, 1, 71, 100}}},
+       1, {{62, 1, 69, 100}, {312, 1, 69, 0}, {312, 1, 71, 100}, {562, 1, 71, 0}, {562, 1, 69, 100},
+           {812, 1, 69, 0}, {812, 1, 71, 100}}},
       {"tremolo picking in 16ths strikes both picked strings again",
        [&](Score& s) {
          slot(s).Technique = kTremoloPicking16;
@@ -280,8 +281,60 @@ TEST(Effects, ManyEffectsRunSideBySide) {
   EXPECT_EQ(wheels.size(), 261u);
   EXPECT_EQ(Notes(msgs, 0, 1054), (std::vector<NoteOn>{{62, 0, 57, 100}}));
   EXPECT_EQ(Notes(msgs, 1, 1054), (std::vector<NoteOn>{{62, 1, 69, 100}}));
-  EXPECT_EQ(Notes(msgs, 3, 1054).size(), 8u);  // a 32nd trill over a quarter
+  EXPECT_EQ(Notes(msgs, 3, 1054).size(), 15u);  // a 32nd trill over a quarter: 8 notes, 7 ends
   EXPECT_TRUE(EveryNoteEnds(msgs));
+}
+
+// Whether anything on the channel ends `key` (its note-off or a channel-wide stop) in the span.
+bool EndedBetween(const std::vector<MidiMessage>& msgs, int channel, int key, double fromMs, double toMs) {
+  for (const MidiMessage& m : msgs) {
+    if ((m.Status & 0x0F) != channel || m.TimeMs < fromMs || m.TimeMs >= toMs) continue;
+    if ((m.Status & 0xF0) == 0x90 && m.Data1 == key && m.Data2 == 0) return true;
+    if ((m.Status & 0xF0) == 0xB0 && (m.Data1 == 120 || m.Data1 == 123)) return true;
+  }
+  return false;
+}
+
+TEST(Effects, BendAndTrillInOneBeatBothSound) {
+  struct Case {
+    const char* name;
+    size_t trillString;
+    int trillChannel;       // where the trill's notes go
+    int trillKey;           // its first note
+    bool trillRidesWheel;   // its notes bend with the wheel
+  };
+  const Case cases[] = {
+      // Bend on the top string (69), trill on the B string (64 to 66): the trill keeps its pitch
+      // on the main channel while the bent note rings and rises on the effect channel.
+      {"trill on another string", 1, 0, 64, false},
+      // Both on one string: the trill's notes are bent with it, on the effect channel.
+      {"trill on the bent string", 0, 1, 69, true},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    Score s = EffectSong(kQuarter, [&](Beat& b) {
+      b.Notes[0].HasBend = true;
+      b.Notes[0].Bend.mut().Points = StepCurve();
+      NoteSlot& trill = b.Notes[c.trillString];
+      trill.Fret = "5";
+      trill.HasTrill = true;
+      trill.Trill = {7, 1};  // 16ths: four notes over the quarter
+    });
+    const auto msgs = Trace(s);
+    const std::vector<NoteOn> trillNotes = Notes(msgs, c.trillChannel, 1054);
+    ASSERT_FALSE(trillNotes.empty());
+    EXPECT_EQ(trillNotes.front(), (NoteOn{62, c.trillChannel, c.trillKey, 100}));
+    EXPECT_EQ(std::count_if(trillNotes.begin(), trillNotes.end(), [](const NoteOn& n) { return n.velocity > 0; }), 4);
+    if (!c.trillRidesWheel) {
+      EXPECT_FALSE(EndedBetween(msgs, 1, 69, 63, 1054)) << "the trill cut the bent note";
+      EXPECT_EQ(Notes(msgs, 1, 1054), (std::vector<NoteOn>{{62, 1, 69, 100}}));
+    }
+    // The bend runs its whole curve on the effect channel whichever way the trill goes.
+    const auto wheels = Wheels(msgs, 1200);
+    EXPECT_EQ(wheels.size(), 261u);
+    EXPECT_TRUE(std::all_of(wheels.begin(), wheels.end(), [](const Wheel& w) { return w.channel == 1; }));
+    EXPECT_TRUE(EveryNoteEnds(msgs));
+  }
 }
 
 TEST(Effects, PlanMessagesCarryTheirTimes) {

@@ -111,6 +111,7 @@ void BatchConvertDialog::convert() {
   job.Settings.Settings = &settings_;
   job.Settings.Midi.AddTies = ties_->isChecked();
   job.Settings.Midi.Quantize = quantize_->isChecked();
+  job.Settings.Text = text_;
   report_->clear();
   if (job.From == job.To) {
     report_->setPlainText("Choose two different kinds of file.");

@@ -24,6 +24,8 @@ class BatchConvertDialog : public QDialog {
 
   // Runs the conversion of what the controls say; the report shows in the window.
   void convert();
+  // How text tab is written: the export settings of Options.
+  void setTextOptions(const TextExportOptions& options) { text_ = options; }
   QLineEdit* folder() const { return in_; }
   QLineEdit* outFolder() const { return out_; }
   QComboBox* fromKind() const { return from_; }
@@ -43,6 +45,7 @@ class BatchConvertDialog : public QDialog {
   QPushButton* convertButton_;
   QPushButton* cancelButton_;
   QPlainTextEdit* report_;
+  TextExportOptions text_;
   bool running_ = false;
   bool cancel_ = false;
 };

@@ -123,6 +123,7 @@ void ConnectExchangeMenus(const std::function<QAction*(const QString& name)>& fi
       {"mnuFileBatchConvert",
        [parent, s] {
          BatchConvertDialog dialog(s->settings(), s->messages(), parent);
+         dialog.setTextOptions({s->ini().CopyrightWarning, s->ini().MaxLineLength});
          dialog.exec();
        }},
   };

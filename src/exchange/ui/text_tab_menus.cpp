@@ -16,17 +16,18 @@ namespace {
 
 // Where the export goes: asked with the file kinds of the menu item, the score's own name as
 // the suggestion, and the first kind's extension when the user typed none.
-void exportTrack(EditContext& edit, const TextExportOptions& options, bool html) {
+// The question's caption is the menu item's own text from the language table, without its
+// accelerator and dots ("&ASCII Tab..." asks "ASCII Tab").
+void exportTrack(EditContext& edit, const TextExportOptions& options, bool html, QString caption) {
   const Score& s = edit.doc.score;
-  const char* title = html ? "mnuFileExportHTML" : "mnuFileExportASCII";
   const char* filter = html ? "HTML Web Pages|*.html|HTM Web Pages|*.htm|" : "Text File|*.txt|ASCII Tab File|*.tab|";
   const char* ext = html ? ".html" : ".txt";
   std::filesystem::path suggested = s.CurrentFileName.empty() ? std::filesystem::path(s.Title + ext)
                                                               : std::filesystem::path(s.CurrentFileName);
   suggested.replace_extension(ext);
-  std::string caption = edit.text(title);
-  caption.erase(std::remove(caption.begin(), caption.end(), '&'), caption.end());
-  auto path = edit.prompter.saveFileName(caption, filter, suggested.string());
+  caption.remove('&');
+  while (caption.endsWith('.')) caption.chop(1);
+  auto path = edit.prompter.saveFileName(caption.trimmed().toStdString(), filter, suggested.string());
   if (!path || path->empty()) return;
   std::filesystem::path target = *path;
   if (target.extension().empty()) target += ext;
@@ -58,8 +59,8 @@ void ConnectTextTabMenus(const std::function<QAction*(const QString& name)>& fin
       {"mnuImportASCII", [parent, e] { ShowTabImport(parent, *e, TabSource::File); }},
       {"mnuImportClipboard", [parent, e] { ShowTabImport(parent, *e, TabSource::Clipboard); }},
       {"mnuImportHTML", [parent, e] { ShowTabImport(parent, *e, TabSource::Web); }},
-      {"mnuFileExportASCII", [e, options] { exportTrack(*e, (*options)(), false); }},
-      {"mnuFileExportHTML", [e, options] { exportTrack(*e, (*options)(), true); }},
+      {"mnuFileExportASCII", [e, options, find] { exportTrack(*e, (*options)(), false, find("mnuFileExportASCII")->text()); }},
+      {"mnuFileExportHTML", [e, options, find] { exportTrack(*e, (*options)(), true, find("mnuFileExportHTML")->text()); }},
   };
   for (const auto& [name, run] : items) {
     QAction* a = find(name);
