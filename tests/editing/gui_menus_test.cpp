@@ -69,23 +69,25 @@ TEST(GuiMenus, RightClickOffersTheSpotsCommandsAndTheToolbarPicksTheTrack) {
   for (bool note : {false, true})
     for (bool sel : {false, true})
       for (const char* n : RightMenuItems(note, sel))
-        if (*n) EXPECT_NE(find(n), nullptr) << n;
+        if (*n) {
+          EXPECT_NE(find(n), nullptr) << n;
+        }
 
   Document& doc = session.doc();
   auto* menu = w.window.view()->findChild<QMenu*>("picRightMenu");
   ASSERT_NE(menu, nullptr);
   QWidget* viewport = w.window.view()->viewport();
   // On a note: the note's commands; on an empty string of a beat: the beat's and bar's only.
-  int noteString = -1, emptyString = -1;
-  for (int s = 0; s < 6; ++s)
-    (doc.score.note(0, 0, 1, s).Fret.empty() ? emptyString : noteString) = s;
-  ASSERT_GE(noteString, 0);
-  ASSERT_GE(emptyString, 0);
+  // Beat 1 of the first bar: a note on the top string, none on the lowest.
+  const int beat = 1, noteString = 0, emptyString = 5;
+  doc.score.noteMut(0, 0, beat, noteString).Fret = "7";
+  doc.score.noteMut(0, 0, beat, emptyString) = NoteSlot{};
+  w.window.DrawDocument();
   for (const auto& [string, hasNoteItems] : {std::pair{noteString, true}, std::pair{emptyString, false}}) {
-    const auto at = pointOf(doc, 0, 1, string);
+    const auto at = pointOf(doc, 0, beat, string);
     ASSERT_TRUE(at.has_value()) << string;
     QTest::mouseClick(viewport, Qt::RightButton, {}, *at);
-    EXPECT_EQ(doc.CursorBeat, 1);
+    EXPECT_EQ(doc.CursorBeat, beat);
     EXPECT_EQ(doc.CursorString, string);
     ASSERT_TRUE(menu->isVisible());
     const QStringList names = namesIn(menu);
@@ -98,7 +100,7 @@ TEST(GuiMenus, RightClickOffersTheSpotsCommandsAndTheToolbarPicksTheTrack) {
   // Inside a marked band the click keeps the band, and the menu offers what acts on it.
   w.ctx.selection = Selection{true, true, 0, 0};
   RunCursorMove(w.ctx, [&] { doc.CursorBar = 1; });
-  const auto inBand = pointOf(doc, 0, 2, noteString);
+  const auto inBand = pointOf(doc, 0, beat, noteString);
   ASSERT_TRUE(inBand.has_value());
   QTest::mouseClick(viewport, Qt::RightButton, {}, *inBand);
   ASSERT_TRUE(w.ctx.selection.active);
@@ -116,7 +118,8 @@ TEST(GuiMenus, RightClickOffersTheSpotsCommandsAndTheToolbarPicksTheTrack) {
   // A track renamed elsewhere shows its new name at the next draw.
   doc.score.Tracks[2].Name = "Renamed";
   w.window.DrawDocument();
-  EXPECT_EQ(selector->itemText(2), "3. Renamed");
+  QApplication::processEvents();
+  EXPECT_EQ(selector->itemText(2).toStdString(), "3. Renamed");
 }
 
 }  // namespace

@@ -162,7 +162,7 @@ TEST(Selection, TransposeAndSignaturesActOnTheMarkedRangeOnly) {
     std::function<bool(EditContext&, const SelectedRange&)> run;
     std::set<std::string> changed;
   };
-  auto transpose = [](EditContext& c, const SelectedRange& r) { return Transpose(c, r.tracks, 2, &r); };
+  auto transpose = [](EditContext& c, const SelectedRange& r) { return Transpose(c, r.tracks, -2, &r); };
   auto timeSig = [](EditContext& c, const SelectedRange&) { return ApplyTimeSignature(c, 3, 4, ApplyRange::Selection); };
   auto keySig = [](EditContext& c, const SelectedRange&) { return ApplyKeySignature(c, 2, false, ApplyRange::Selection); };
   auto beatsOf = [](std::initializer_list<int> tracks, std::initializer_list<int> bars) {

