@@ -45,13 +45,8 @@ QStringList namesIn(const QMenu* menu) {
 
 TEST(GuiMenus, RightClickOffersTheSpotsCommandsAndTheToolbarPicksTheTrack) {
   QApplication app(argc, argv);
-  QTemporaryDir home;
-  ScriptedPrompter prompter;
-  Session session(ResolveAppFolder(home.path().toStdString()), prompter);
-  CommandLine cmd;
-  cmd.home = home.path().toStdString();
-  cmd.file = (testing::SourceData() / "examples" / "band.plm").string();
-  session.start(cmd, {});
+  TestSession ts((testing::SourceData() / "examples" / "band.plm").string());
+  Session& session = ts.session;
   ASSERT_GE(session.doc().score.LastTrack(), 2);
   WiredWindow w(session);
   auto find = [&w](const QString& name) { return w.window.action(name); };

@@ -19,6 +19,7 @@
 
 #include "score/new_score.h"
 #include "shell/status_time.h"
+#include "shell/ui/desktop_palette.h"
 #include "shell/ui/document_view.h"
 #include "shell/ui/file_properties_dialog.h"
 #include "shell/ui/help_dialogs.h"
@@ -453,7 +454,8 @@ void MainWindow::showStatus(const ViewStatus& s) {
   static const char* fillKeys[] = {"str_IncompleteBar", "str_CompleteBar", "str_ExceededBar"};
   const int state = std::clamp(s.FillState, 0, 2);
   sbFill_->setText("  " + str(fillKeys[state]));
-  sbFill_->setStyleSheet(state == 1 ? "" : "color: #b00000;");
+  // A warning red that reads on a light and on a dark status bar alike.
+  sbFill_->setStyleSheet(state == 1 ? "" : PaletteIsDark(palette()) ? "color: #ff7070;" : "color: #b00000;");
   sbPages_->setText(s.Pages.empty() ? str("str_PagesLabel") + " 1" : q(s.Pages));
   const Document& d = session_.doc();
   QString where = QString("%1 %2  %3 %4  %5 %6")
