@@ -1,10 +1,11 @@
 // A keystroke on a 1000-bar score, from the key to the finished redraw of the view on a
-// QImage, and what 50 levels of undo cost after 50 one-note edits.
+// QImage, and what 100 levels of undo cost after 100 one-note edits.
 //
 // Keys measured: a fret digit (the page is redrawn from the stored layout), Right inside a
 // bar (cursor only), and Shift+Ins / Shift+Del in turn (the beat count changes, so the whole
-// track is laid out again: the worst case of ordinary typing). With the fretboard and piano
-// panels open, a fret digit also repaints both panels with the cursor's beat.
+// track is laid out again: the worst case of ordinary typing), Shift+Left / Shift+Right with
+// 100 bars marked (the band is worked out and painted over the page on every key). With the
+// fretboard and piano panels open, a fret digit also repaints both panels with the cursor's beat.
 #include <benchmark/benchmark.h>
 
 #include "bench_scores.h"
@@ -23,6 +24,7 @@
 
 #include "editing/key_map.h"
 #include "editing/ui/practice_panels.h"
+#include "editing/selection.h"
 #include "rendering/draw_document.h"
 #include "rendering/qt/qt_surface.h"
 #include "shell/prompter.h"
@@ -47,12 +49,15 @@ struct View {
     view.PictureHeight = 1000;
     LayoutTrack(doc, 0, settings, texts);
     view.VScroll = std::max(1, (doc.Layout[0][static_cast<size_t>(doc.CursorBar)].DrawY - 300) / 8);
-    ctx.setUndoLevels(50);
+    ctx.setUndoLevels(100);
     ctx.hooks.drawDocument = [this] {
       QPainter painter(&image);
       QtSurface surface(painter);
       DrawResult r = DrawDocument(doc, settings, view, texts, surface);
       benchmark::DoNotOptimize(r);
+      // The window paints the selection as a translucent band over the page.
+      for (const BandRect& b : SelectionBand(ctx))
+        painter.fillRect(QRectF(b.x, b.y, b.w, b.h), QColor(51, 153, 255, 60));
     };
     doc.FullRelayout = true;
     ctx.hooks.drawDocument();
@@ -104,6 +109,17 @@ void BM_KeyToRedraw_FretWithPanels(benchmark::State& state) {
   }
 }
 
+void BM_KeyToRedraw_ExtendSelection100Bars(benchmark::State& state) {
+  View v;
+  // Marked from 99 bars before the cursor up to it; the cursor's row is in sight.
+  v.ctx.selection = Selection{true, false, static_cast<int16_t>(v.doc.CursorBar - 99), 0};
+  v.doc.CursorBeat = 3;
+  int i = 0;
+  for (auto _ : state) picDocument_KeyDown(v.ctx, (i++ % 2) ? Key::Left : Key::Right, kShift);
+  const auto r = SelectionOf(v.ctx);
+  state.counters["marked_bars"] = r ? r->lastBar - r->firstBar + 1 : 0;
+}
+
 // Heap bytes of a score, counting every shared bar and sub-record once across all the scores
 // handed in (the live document plus the snapshots).
 class Footprint {
@@ -129,7 +145,7 @@ class Footprint {
   std::unordered_set<const void*> seen_;
 };
 
-void BM_UndoMemory_50Levels(benchmark::State& state) {
+void BM_UndoMemory_100Levels(benchmark::State& state) {
   for (auto _ : state) {
     const size_t heapStart = mallinfo2().uordblks;
     View* v = new View;
@@ -137,9 +153,9 @@ void BM_UndoMemory_50Levels(benchmark::State& state) {
     Footprint own;
     const double docBytes = static_cast<double>(own.add(v->doc.score));
     v->ctx.hooks.drawDocument = nullptr;  // memory only
-    // 50 one-note edits spread over the score, each a key press that the ring keeps.
-    for (int e = 0; e < 50; ++e) {
-      v->doc.CursorBar = static_cast<int16_t>(e * 19);
+    // 100 one-note edits spread over the score, each a key press that the ring keeps.
+    for (int e = 0; e < 100; ++e) {
+      v->doc.CursorBar = static_cast<int16_t>(e * 9);
       v->doc.CursorBeat = static_cast<int16_t>(e % 8);
       v->doc.CursorString = static_cast<int16_t>(e % 6);
       // A digit that really changes the slot ("1" and "2" take a second digit behind them).
@@ -154,16 +170,15 @@ void BM_UndoMemory_50Levels(benchmark::State& state) {
     all.add(v->doc.score);
     size_t ringBytes = 0;
     int filled = 0;
-    for (const UndoEntry& u : v->ctx.undo.entries())
-      if (u.Filled) {
-        ringBytes += all.add(u.score);
-        ++filled;
-      }
+    for (const UndoEntry& u : v->ctx.undo.undoEntries()) {
+      ringBytes += all.add(u.score);
+      ++filled;
+    }
     state.counters["doc_MB"] = docBytes / 1e6;
     state.counters["ring_MB"] = static_cast<double>(ringBytes) / 1e6;
     state.counters["ring_per_doc"] = static_cast<double>(ringBytes) / docBytes;
     // The same measured by the allocator: heap of the view (document, image, layout) and
-    // what the 50 edits added on top of it.
+    // what the 100 edits added on top of it.
     state.counters["heap_doc_MB"] = static_cast<double>(heapDoc - heapStart) / 1e6;
     state.counters["heap_edits_MB"] = static_cast<double>(heapAfter - heapDoc) / 1e6;
     state.counters["snapshots"] = filled;
@@ -175,7 +190,8 @@ BENCHMARK(BM_KeyToRedraw_Fret)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_KeyToRedraw_FretWithPanels)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_KeyToRedraw_CursorRight)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_KeyToRedraw_InsertDeleteBeat)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_UndoMemory_50Levels)->Iterations(1)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_KeyToRedraw_ExtendSelection100Bars)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_UndoMemory_100Levels)->Iterations(1)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 }  // namespace plectaro

@@ -5,6 +5,7 @@
 #include <QIcon>
 #include <QStatusBar>
 #include <QTimer>
+#include <QToolBar>
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
@@ -16,6 +17,7 @@
 
 #include "shell/session.h"
 #include "shell/ui/autosave_timer.h"
+#include "shell/ui/desktop_palette.h"
 #include "shell/ui/document_view.h"
 #include "shell/ui/main_window.h"
 #include "shell/ui/qt_prompter.h"
@@ -43,7 +45,9 @@
 #include "editing/ui/editor_input.h"
 #include "editing/ui/effect_menus.h"
 #include "editing/ui/menu_commands.h"
+#include "editing/ui/right_menu.h"
 #include "editing/ui/track_menus.h"
+#include "editing/ui/track_selector.h"
 #endif
 #ifdef PLECTARO_HAVE_EXCHANGE
 #include "exchange/ui/text_tab_menus.h"
@@ -91,6 +95,7 @@ int main(int argc, char** argv) {
   QApplication::setApplicationName("Plectaro");
   QApplication::setDesktopFileName("plectaro");
   QApplication::setWindowIcon(QIcon::fromTheme("plectaro", QIcon(":/plectaro.svg")));
+  plectaro::FollowDesktopPalette(app);
 
   std::vector<std::string> args;
   for (const QString& a : QApplication::arguments().mid(1)) args.push_back(a.toStdString());
@@ -137,6 +142,7 @@ int main(int argc, char** argv) {
   auto find = [&window](const QString& name) { return window.action(name); };
   plectaro::ConnectEditingMenus(find, &window, edit);
   plectaro::ConnectEffectMenus(find, &window, edit);
+  plectaro::ConnectRightMenu(find, window.view(), edit);
 #ifdef PLECTARO_HAVE_EXCHANGE
   plectaro::ConnectTextTabMenus(find, &window, edit, [&session] {
     return plectaro::TextExportOptions{session.ini().CopyrightWarning, session.ini().MaxLineLength};
@@ -149,6 +155,9 @@ int main(int argc, char** argv) {
   // The Track, Operations and Go menus and the mix table.
   auto* tracks = plectaro::ConnectTrackMenus(find, &window, edit, session.folder().data());
   QObject::connect(window.view(), &plectaro::DocumentView::drawn, tracks, &plectaro::TrackMenus::refresh);
+  auto* trackList = new plectaro::TrackSelector(edit, &window);
+  window.toolbar(7)->addWidget(trackList);
+  QObject::connect(window.view(), &plectaro::DocumentView::drawn, trackList, &plectaro::TrackSelector::refresh);
 #endif
 #ifdef PLECTARO_HAVE_PLAYBACK
   // Playback: the Sound menu, the play marker, notes sounded as they are typed. The output

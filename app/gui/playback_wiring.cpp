@@ -5,6 +5,7 @@
 #include <QStatusBar>
 #include <QWidget>
 #include <cmath>
+#include <cstdio>
 
 #include "playback/qt/player.h"
 #include "rendering/page_layout.h"
@@ -66,8 +67,11 @@ PlaybackWiring::PlaybackWiring(MainWindow& window, Session& session, Player& pla
     if (!playing) marker_->hide();
     if (QAction* stop = window_.action("mnuSoundStop")) stop->setEnabled(playing);
   });
-  connect(&player_, &Player::noSound, this,
-          [this](const QString& why) { window_.statusBar()->showMessage(why, 15000); });
+  // One plain sentence for the user; the device's own reason goes to the terminal.
+  connect(&player_, &Player::noSound, this, [this](const QString& why) {
+    std::fprintf(stderr, "plectaro: %s\n", qPrintable(why));
+    window_.statusBar()->showMessage(QString::fromStdString(session_.messages().str("txt_NoSoundOutput")), 15000);
+  });
 
 #ifdef PLECTARO_HAVE_EDITING
   if (edit) {

@@ -2,7 +2,10 @@
 
 #include <algorithm>
 #include <charconv>
+#include <optional>
 #include <string>
+
+#include "editing/selection.h"
 
 namespace plectaro {
 
@@ -44,9 +47,13 @@ Cow<TrackBar> blankBar(int32_t key, bool minor) {
   return Cow<TrackBar>(std::move(tb));
 }
 
-std::pair<int, int> rangeOf(const Document& d, ApplyRange range) {
+std::pair<int, int> rangeOf(const EditContext& ctx, ApplyRange range) {
+  const Document& d = ctx.doc;
   const int last = lastBarOfScore(d.score);
   switch (range) {
+    case ApplyRange::Selection:
+      if (auto sel = SelectionOf(ctx)) return {sel->firstBar, std::min(sel->lastBar, last)};
+      return {d.CursorBar, d.CursorBar};
     case ApplyRange::ThisBar: return {d.CursorBar, d.CursorBar};
     case ApplyRange::FromThisBar: return {d.CursorBar, last};
     case ApplyRange::AllBars: return {0, last};
@@ -220,10 +227,19 @@ bool RemoveBar(EditContext& ctx, const std::vector<int>& tracks) {
     ctx.message("str_SelectAtLeastOneTrack", MessageIcon::Warning);
     return false;
   }
-  return RunCommand(ctx, [&] {
-    RemoveBarAt(ctx.doc.score, ctx.doc.CursorBar, tracks);
+  const auto sel = SelectionOf(ctx);
+  const bool selectedBars = sel && sel->wholeBars;
+  const int first = selectedBars ? sel->firstBar : ctx.doc.CursorBar;
+  const int last = selectedBars ? sel->lastBar : ctx.doc.CursorBar;
+  const bool ok = RunCommand(ctx, [&] {
+    // From the last bar back, so the bars still to go keep their numbers.
+    for (int b = std::min(last, lastBarOfScore(ctx.doc.score)); b >= first; --b) RemoveBarAt(ctx.doc.score, b, tracks);
+    ctx.doc.CursorBar = static_cast<int16_t>(first);
     ctx.doc.CursorBeat = 0;
-  }, "Remove Bar");
+  }, first == last ? "Remove Bar" : "Remove Bars");
+  // The bars the selection held are gone.
+  if (ok && selectedBars) ctx.selection = Selection{};
+  return ok;
 }
 
 bool CopyBars(EditContext& ctx, const std::vector<int>& bars) {
@@ -329,7 +345,7 @@ bool ApplyTimeSignature(EditContext& ctx, int numerator, int denominator, ApplyR
     return false;
   }
   return RunCommand(ctx, [&] {
-    auto [first, last] = rangeOf(ctx.doc, range);
+    auto [first, last] = rangeOf(ctx, range);
     for (int b = first; b <= last; ++b) ctx.doc.score.SetTimeSignature(b, numerator, denominator);
   }, "Time Signature");
 }
@@ -340,14 +356,19 @@ bool ApplyKeySignature(EditContext& ctx, int32_t key, bool minor, ApplyRange ran
     return false;
   }
   return RunCommand(ctx, [&] {
-    auto [first, last] = rangeOf(ctx.doc, range);
-    const int t = ctx.doc.CursorTrack;
-    for (int b = first; b <= last; ++b) {
-      const TrackBar& tb = ctx.doc.score.bar(t, b);
-      if (tb.KeySignature == key && tb.KeyMinor == minor) continue;  // stays shared
-      TrackBar& w = ctx.doc.score.barMut(t, b);
-      w.KeySignature = key;
-      w.KeyMinor = minor;
+    auto [first, last] = rangeOf(ctx, range);
+    // A selection of all tracks sets the key of every track that has one (not the drums).
+    const auto sel = range == ApplyRange::Selection ? SelectionOf(ctx) : std::nullopt;
+    const std::vector<int> tracks = sel ? sel->tracks : std::vector<int>{ctx.doc.CursorTrack};
+    for (int t : tracks) {
+      if (ctx.doc.score.track(t).DrumTrack) continue;
+      for (int b = first; b <= last && b <= ctx.doc.score.GetLastBar(t); ++b) {
+        const TrackBar& tb = ctx.doc.score.bar(t, b);
+        if (tb.KeySignature == key && tb.KeyMinor == minor) continue;  // stays shared
+        TrackBar& w = ctx.doc.score.barMut(t, b);
+        w.KeySignature = key;
+        w.KeyMinor = minor;
+      }
     }
   }, "Key Signature");
 }

@@ -26,7 +26,9 @@ void InsertBarAt(Score& s, int bar, const std::vector<int>& tracks);
 // bar of a score is cleared instead of removed.
 void RemoveBarAt(Score& s, int bar, const std::vector<int>& tracks);
 
-enum class ApplyRange { ThisBar = 0, FromThisBar = 1, AllBars = 2 };
+// Selection: the bars the selection touches (the cursor's bar when nothing is selected), and
+// for a key signature its tracks too.
+enum class ApplyRange { ThisBar = 0, FromThisBar = 1, AllBars = 2, Selection = 3 };
 
 // ---- commands ----
 
@@ -38,7 +40,8 @@ void mnuBarLast_Click(EditContext& ctx);
 
 // ntne_frmInsertBar: a bar inserted at the cursor in the chosen tracks.
 bool InsertBar(EditContext& ctx, const std::vector<int>& tracks);
-// ntne_frmRemoveBar: the cursor's bar removed from the chosen tracks.
+// ntne_frmRemoveBar: the cursor's bar removed from the chosen tracks; with whole bars
+// selected, the selected bars (one undo step).
 bool RemoveBar(EditContext& ctx, const std::vector<int>& tracks);
 
 // ntne_frmCutCopyPaste. Copy takes the chosen bars of the cursor's track. Cut copies the

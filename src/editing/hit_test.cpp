@@ -106,8 +106,14 @@ void picDocument_MouseDown(EditContext& ctx, MouseButton button, Modifiers mods,
     SelectTo(ctx, hit.bar, hit.beat, (mods & kCtrl) != 0);
     return;
   }
-  if (button == MouseButton::Left) Deselect(ctx);
-  if (hit.hit) {
+  // A right click inside the selection keeps it and the cursor, so its menu acts on the band;
+  // anywhere else it drops the selection like a left click.
+  bool inSelection = false;
+  if (auto sel = SelectionOf(ctx); sel && hit.hit && button == MouseButton::Right)
+    inSelection = hit.bar >= sel->firstBar && hit.bar <= sel->lastBar &&
+                  (sel->wholeBars || (hit.beat >= sel->firstBeat && hit.beat <= sel->lastBeat));
+  if (!inSelection) Deselect(ctx);
+  if (hit.hit && !inSelection) {
     RunCursorMove(ctx, [&] {
       Document& d = ctx.doc;
       d.CursorBar = static_cast<int16_t>(hit.bar);

@@ -4,6 +4,7 @@
 #include <cstdlib>
 
 #include "editing/cursor_access.h"
+#include "editing/selection.h"
 #include "score/bar_timing.h"
 #include "score/value_text.h"
 
@@ -151,16 +152,22 @@ std::vector<int> transposeBeat(Beat& beat, const Track& tr, int semitones) {
 
 }  // namespace
 
-std::vector<UnplacedNote> TransposeTracks(Score& s, const std::vector<int>& tracks, int semitones) {
+std::vector<UnplacedNote> TransposeTracks(Score& s, const std::vector<int>& tracks, int semitones,
+                                          const SelectedRange* range) {
   std::vector<UnplacedNote> unplaced;
   if (semitones == 0) return unplaced;
   for (int t : tracks) {
     const Track& tr = s.track(t);
     if (tr.DrumTrack) continue;
-    for (int b = 0; b <= s.GetLastBar(t); ++b) {
+    const int firstBar = range ? std::max(range->firstBar, 0) : 0;
+    const int lastBar = range ? std::min(range->lastBar, s.GetLastBar(t)) : s.GetLastBar(t);
+    for (int b = firstBar; b <= lastBar; ++b) {
       std::vector<Beat> beats = s.bar(t, b).Beats;
       std::vector<UnplacedNote> here;
-      for (size_t k = 0; k < beats.size(); ++k)
+      const bool someBeats = range && !range->wholeBars;
+      const size_t firstBeat = someBeats ? static_cast<size_t>(std::max(range->firstBeat, 0)) : 0;
+      const size_t endBeat = someBeats ? std::min(beats.size(), static_cast<size_t>(range->lastBeat) + 1) : beats.size();
+      for (size_t k = firstBeat; k < endBeat; ++k)
         for (int str : transposeBeat(beats[k], tr, semitones))
           here.push_back({t, b, static_cast<int>(k), str, beats[k].Notes[static_cast<size_t>(str)].Fret});
       unplaced.insert(unplaced.end(), here.begin(), here.end());
@@ -171,14 +178,14 @@ std::vector<UnplacedNote> TransposeTracks(Score& s, const std::vector<int>& trac
   return unplaced;
 }
 
-bool Transpose(EditContext& ctx, const std::vector<int>& tracks, int semitones) {
+bool Transpose(EditContext& ctx, const std::vector<int>& tracks, int semitones, const SelectedRange* range) {
   if (tracks.empty()) {
     ctx.message("str_PleaseChooseAtLeastOneTrack", MessageIcon::Information);
     return false;
   }
   std::vector<UnplacedNote> unplaced;
   const bool ok = RunCommand(
-      ctx, [&] { unplaced = TransposeTracks(ctx.doc.score, tracks, semitones); }, "Transpose");
+      ctx, [&] { unplaced = TransposeTracks(ctx.doc.score, tracks, semitones, range); }, "Transpose");
   if (ok && !unplaced.empty()) {
     std::string text = ctx.text("str_TransposeNoRoom");
     for (const UnplacedNote& n : unplaced)

@@ -43,13 +43,18 @@ struct UnplacedNote {
   std::string fret;
 };
 
-// Moves every fretted note of the chosen tracks by `semitones`. A note stays on its string
+struct SelectedRange;
+
+// Moves every fretted note of the chosen tracks by `semitones` (only the bars, or the beats of
+// one bar, that `range` holds when one is given). A note stays on its string
 // when the new fret lies in 0..kHighestFret; otherwise it moves, with its effects, to the
 // nearest string of the track that is free in that beat and can play the pitch. A note that
 // fits nowhere keeps its old fret and is returned. Drum tracks and dead notes are skipped.
-std::vector<UnplacedNote> TransposeTracks(Score& s, const std::vector<int>& tracks, int semitones);
+std::vector<UnplacedNote> TransposeTracks(Score& s, const std::vector<int>& tracks, int semitones,
+                                          const SelectedRange* range = nullptr);
 // ntne_frmTranspose: the change as one command; any unplaced notes are named in a message.
-bool Transpose(EditContext& ctx, const std::vector<int>& tracks, int semitones);
+bool Transpose(EditContext& ctx, const std::vector<int>& tracks, int semitones,
+               const SelectedRange* range = nullptr);
 
 // ---- go-to points ----
 

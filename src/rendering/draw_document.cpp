@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "rendering/bar_drawing.h"
+#include "rendering/track_head.h"
 #include "score/bar_timing.h"
 
 namespace plectaro {
@@ -123,6 +124,7 @@ void runPages(Document& doc, int track, const LayoutSettings& st, const DrawText
         runX += w;
       }
       if (visible) {
+        if (r == 0) DrawTrackHead(ctx, rowX, static_cast<double>(y));
         DrawRowStaves(ctx, rowX, static_cast<double>(y), runX);
         double x = rowX;
         for (int b = row.first; b <= row.last; ++b) {
@@ -176,6 +178,11 @@ void redrawStored(Document& doc, int track, const LayoutSettings& st, const Draw
     if (l.RowFirstBar == b) {
       double width = 0;
       for (int k = b; k <= l.RowLastBar && k <= rows.lastBar(); ++k) width += lay[static_cast<size_t>(k)].DrawWidth;
+      // A page's first row stands exactly the top margin below the page top, and no later
+      // row of the page can (a page holds less than one page height of rows).
+      const long long pageStep = static_cast<long long>(st.PageHeight) + 35;
+      const long long fromFirst = l.DrawY - pl.firstTop - st.PageTopMargin;
+      if (fromFirst >= 0 && fromFirst % pageStep == 0) DrawTrackHead(ctx, l.DrawX, l.DrawY);
       DrawRowStaves(ctx, l.DrawX, l.DrawY, width);
     }
     DrawBar(ctx, l.DrawX, l.DrawY, b, l.DrawWidth);

@@ -120,7 +120,7 @@ IniSettings::IniSettings() {
     ToolbarDocked[i] = true;
     std::string_view n = kToolbarNames[i];
     ToolbarVisible[i] = n == "File" || n == "Note Editing" || n == "Beat Duration" ||
-                        n == "Sound" || n == "File Navigation";
+                        n == "Sound" || n == "File Navigation" || n == "Track";
   }
 }
 

@@ -384,7 +384,7 @@ mnuGo=&Go
 mnuGoAddGotoPoint=&Add a Go-To Point...
 mnuGoShowPoints=&Show Go-To Points...
 mnuGoGoTos=&Go To
-mnuTools=T&ools
+mnuTools=Too&ls
 mnuToolsChordManager=&Chord Manager
 mnuToolsScaleManager=&Scale Manager
 mnuToolsTuner=Guitar &Tuner
@@ -528,6 +528,8 @@ txt_Recover3=. Would you like to restore them?
 txt_RecoverTitle=Recovery
 txt_RecoveryDamaged1=A recovery file is damaged and cannot be restored. It has been kept aside as '
 txt_RecoveryDamaged2='.
+mnuHelpGettingStarted=&Getting Started
+txt_NoSoundOutput=Playback is silent: no sound output could be opened.
 @frmMetronome
 Caption=Metronome
 @frmMusicPaper

@@ -25,8 +25,10 @@ std::optional<double> CursorTimeSeconds(const Document& doc) {
 }
 
 std::string FormatStatusTime(double seconds) {
+  // Whole seconds, counted down as a player's clock counts: 59.9 s is still "0:59".
+  const long long whole = std::isfinite(seconds) && seconds > 0 ? static_cast<long long>(std::floor(seconds)) : 0;
   char buf[64];
-  std::snprintf(buf, sizeof buf, "%08.5f", seconds);
+  std::snprintf(buf, sizeof buf, "%lld:%02lld", whole / 60, whole % 60);
   return buf;
 }
 

@@ -12,7 +12,7 @@ namespace plectaro {
 // Tempo that is not positive, or a beat that cannot be measured, gives nothing.
 std::optional<double> CursorTimeSeconds(const Document& doc);
 
-// The status bar's form: "00.00000" below 100 seconds, whole seconds in front beyond.
+// The status bar's form, minutes and seconds as a player shows them: "0:05", "12:34", "75:00".
 std::string FormatStatusTime(double seconds);
 
 }  // namespace plectaro

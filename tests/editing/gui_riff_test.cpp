@@ -24,12 +24,9 @@ struct Typed {
 
 TEST(GuiRiff, TypedNotesSurviveSaveAndOpen) {
   QApplication app(argc, argv);
-  QTemporaryDir home;
-  ScriptedPrompter prompter;
-  Session session(ResolveAppFolder(home.path().toStdString()), prompter);
-  CommandLine cmd;
-  cmd.home = home.path().toStdString();
-  session.start(cmd, {});
+  TestSession ts;
+  Session& session = ts.session;
+  const ScriptedPrompter& prompter = ts.prompter;
   WiredWindow w(session);
   w.window.resize(1000, 800);
   w.window.show();
@@ -84,7 +81,7 @@ TEST(GuiRiff, TypedNotesSurviveSaveAndOpen) {
   EXPECT_FALSE(session.doc().score.beat(0, 1, 2).Dotted);
   EXPECT_EQ(redo->shortcuts().size(), 2);
 
-  const std::string path = home.filePath("riff.plm").toStdString();
+  const std::string path = ts.home.filePath("riff.plm").toStdString();
   ASSERT_TRUE(session.files().ForceSaveFile(path));
   Document back;
   ASSERT_EQ(OpenMusicFile(back, path, session.settings()), OpenOutcome::Opened);

@@ -3,7 +3,9 @@
 // the file commands. Shared by the GUI test and the playground.
 #pragma once
 
+#include <QTemporaryDir>
 #include <memory>
+#include <string>
 
 #include "editing/ui/editor_input.h"
 #include "editing/ui/menu_commands.h"
@@ -12,6 +14,20 @@
 #include "shell/ui/main_window.h"
 
 namespace plectaro::test {
+
+// A session in a fresh home folder, started with `file` (none for a new song).
+struct TestSession {
+  explicit TestSession(const std::string& file = {})
+      : session(ResolveAppFolder(home.path().toStdString()), prompter) {
+    CommandLine cmd;
+    cmd.home = home.path().toStdString();
+    cmd.file = file;
+    session.start(cmd, {});
+  }
+  QTemporaryDir home;
+  ScriptedPrompter prompter;
+  Session session;
+};
 
 struct WiredWindow {
   explicit WiredWindow(Session& session)

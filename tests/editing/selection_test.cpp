@@ -1,8 +1,13 @@
 // Marking beats and bars with the keys, and the commands that take the marked range.
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <set>
+#include <string>
+
 #include "edit_fixture.h"
 #include "editing/bar_commands.h"
+#include "editing/operations.h"
 #include "editing/selection.h"
 
 namespace plectaro::test {
@@ -132,6 +137,84 @@ TEST(Selection, CutClearsTheBarsInEveryMarkedTrackButKeepsThem) {
   }
   ASSERT_EQ(e.ctx.clipboard.trackBars.size(), 2u);
   EXPECT_EQ(e.ctx.clipboard.trackBars[1][0]->Beats[1].Notes[0].Fret, "2");
+}
+
+// What differs between two versions of a score of equal shape: "t1b2k3" for a beat of track 1,
+// "i2" for the signature record of bar 2.
+std::set<std::string> differences(const Score& a, const Score& b) {
+  std::set<std::string> out;
+  for (int t = 0; t <= a.LastTrack(); ++t)
+    for (int bar = 0; bar <= a.GetLastBar(t); ++bar)
+      for (int k = 0; k <= a.GetLastBeat(t, bar); ++k)
+        if (!(a.beat(t, bar, k) == b.beat(t, bar, k)) || a.bar(t, bar).KeySignature != b.bar(t, bar).KeySignature)
+          out.insert("t" + std::to_string(t) + "b" + std::to_string(bar) + "k" + std::to_string(k));
+  for (size_t i = 0; i < a.BarInfos.size(); ++i)
+    if (!(a.BarInfos[i] == b.BarInfos[i])) out.insert("i" + std::to_string(i));
+  return out;
+}
+
+// Transpose and the signature dialogs take the marked beats or bars as their range, as one
+// undo step.
+TEST(Selection, TransposeAndSignaturesActOnTheMarkedRangeOnly) {
+  struct Case {
+    const char* keys;
+    const char* what;
+    std::function<bool(EditContext&, const SelectedRange&)> run;
+    std::set<std::string> changed;
+  };
+  auto transpose = [](EditContext& c, const SelectedRange& r) { return Transpose(c, r.tracks, -2, &r); };
+  auto timeSig = [](EditContext& c, const SelectedRange&) { return ApplyTimeSignature(c, 3, 4, ApplyRange::Selection); };
+  auto keySig = [](EditContext& c, const SelectedRange&) { return ApplyKeySignature(c, 2, false, ApplyRange::Selection); };
+  auto beatsOf = [](std::initializer_list<int> tracks, std::initializer_list<int> bars) {
+    std::set<std::string> out;
+    for (int t : tracks)
+      for (int b : bars)
+        for (int k = 0; k < 4; ++k) out.insert("t" + std::to_string(t) + "b" + std::to_string(b) + "k" + std::to_string(k));
+    return out;
+  };
+  const Case cases[] = {
+      {"Right Shift+Right", "transpose two beats", transpose, {"t0b0k1", "t0b0k2"}},
+      {"PgDn Shift+PgDn", "transpose two bars", transpose, beatsOf({0}, {1, 2})},
+      {"PgDn Shift+Alt+PgDn", "transpose two bars of every track", transpose, beatsOf({0, 1, 2}, {1, 2})},
+      {"PgDn Shift+PgDn", "time signature", timeSig, {"i1", "i2"}},
+      {"PgDn Shift+Alt+PgDn", "key signature in every track", keySig, beatsOf({0, 1, 2}, {1, 2})},
+  };
+  for (const Case& c : cases) {
+    Editor e;
+    band(e, 3, 4, false);
+    e.keys(c.keys);
+    const auto range = SelectionOf(e.ctx);
+    ASSERT_TRUE(range.has_value()) << c.what;
+    const Score before = e.doc.score;
+    const size_t steps = e.ctx.undo.undoEntries().size();
+    ASSERT_TRUE(c.run(e.ctx, *range)) << c.what;
+    EXPECT_EQ(differences(before, e.doc.score), c.changed) << c.what;
+    EXPECT_EQ(e.ctx.undo.undoEntries().size(), steps + 1) << c.what;
+    mnuEditUndo_Click(e.ctx);
+    EXPECT_TRUE(e.doc.score == before) << c.what;
+  }
+}
+
+TEST(Selection, RemoveBarTakesTheMarkedBars) {
+  Editor e;
+  band(e, 2, 5, false);
+  e.keys("PgDn Shift+PgDn Shift+PgDn");
+  const Score before = e.doc.score;
+  ASSERT_TRUE(RemoveBar(e.ctx, {0, 1}));
+  ASSERT_EQ(e.bars(), 2);
+  for (int t = 0; t < 2; ++t) {
+    EXPECT_TRUE(e.doc.score.bar(t, 0) == before.bar(t, 0));
+    EXPECT_TRUE(e.doc.score.bar(t, 1) == before.bar(t, 4));
+  }
+  EXPECT_FALSE(e.ctx.selection.active);
+  EXPECT_EQ(e.doc.CursorBar, 1);
+  mnuEditUndo_Click(e.ctx);
+  EXPECT_TRUE(e.doc.score == before);
+  // Without a mark only the cursor's bar goes.
+  e.ctx.selection = Selection{};
+  e.keys("Ctrl+Home");
+  ASSERT_TRUE(RemoveBar(e.ctx, {0, 1}));
+  EXPECT_EQ(e.bars(), 4);
 }
 
 }  // namespace

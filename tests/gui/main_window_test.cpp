@@ -22,15 +22,22 @@
 #include <functional>
 #include <QToolBar>
 #include <memory>
+#include <QImage>
+#include <QPalette>
+#include <algorithm>
+#include <utility>
+#include <vector>
 
 #include "../shell/test_folder.h"
 #include "score/file_io.h"
 #include "score/new_score.h"
 #include "shell/session.h"
+#include "shell/ui/desktop_palette.h"
 #include "shell/ui/document_view.h"
 #include "shell/ui/file_properties_dialog.h"
 #include "shell/ui/main_window.h"
 #include "shell/ui/options_dialog.h"
+#include "shell/ui/window_fit.h"
 
 // Fontconfig keeps a cache for the life of the process that the leak checker would report;
 // leaks of our own code are still caught.
@@ -95,7 +102,14 @@ TEST_F(MainWindowTest, MenusCarryTheirCaptionsStateAndStandardShortcuts) {
   QStringList titles;
   for (QAction* a : window->menuBar()->actions()) titles << a->text();
   EXPECT_EQ(titles, (QStringList{"&File", "&Edit", "&View", "&Note", "&Beat", "B&ar", "&Track",
-                                 "&Operations", "&Sound", "&Go", "T&ools", "&Help"}));
+                                 "&Operations", "&Sound", "&Go", "Too&ls", "&Help"}));
+  // Alt and a letter opens exactly one menu.
+  QSet<QChar> mnemonics;
+  for (const QString& t : titles) {
+    const QChar m = t.at(t.indexOf('&') + 1).toLower();
+    EXPECT_FALSE(mnemonics.contains(m)) << t.toStdString();
+    mnemonics.insert(m);
+  }
   struct Item {
     const char* name;
     QKeySequence keys;
@@ -352,6 +366,93 @@ TEST_F(MainWindowTest, TheViewPaintsTheSongWithScrollRangesAndStatus) {
   const int before = session->doc().CursorBar;
   act("mnuBarNext")->trigger();
   EXPECT_EQ(session->doc().CursorBar, before + 1);
+}
+
+}  // namespace
+}  // namespace plectaro
+
+namespace plectaro {
+namespace {
+
+TEST(WindowFit, FirstPlaceFitsTheScreenAndRowsWrap) {
+  struct Place {
+    QRect available, expected;
+  };
+  const Place places[] = {
+      {{0, 0, 1024, 740}, {51, 37, 921, 666}},        // a small laptop, under its panel
+      {{0, 0, 1920, 1050}, {260, 52, 1400, 945}},     // full HD: as large as a page wants
+      {{1920, 0, 2560, 1440}, {2500, 220, 1400, 1000}},  // a second screen to the right
+      {{0, 0, 1280, 683}, {64, 34, 1152, 614}},       // 1920 x 1024 at a scale of 1.5
+  };
+  for (const Place& p : places) {
+    const QRect r = FirstWindowPlace(p.available);
+    EXPECT_EQ(r, p.expected) << p.available.width() << "x" << p.available.height();
+    EXPECT_TRUE(p.available.contains(r));
+  }
+  struct Rows {
+    std::vector<int> widths;
+    int row;
+    std::vector<int> breaks;
+  };
+  const Rows rows[] = {
+      {{100, 100, 100}, 300, {}},
+      {{100, 100, 100}, 299, {2}},
+      {{250, 100, 100, 100}, 300, {1}},
+      {{400, 100}, 300, {1}},  // too wide for any row: alone on the first
+      {{100, 400, 100}, 300, {1, 2}},
+      {{}, 300, {}},
+  };
+  for (const Rows& r : rows) EXPECT_EQ(RowBreaks(r.widths, r.row), r.breaks);
+  for (const auto& [theme, dark] : std::vector<std::pair<const char*, bool>>{
+           {"Adwaita:dark", true}, {"Adwaita-dark", true}, {"Yaru-Dark", true}, {"Adwaita", false},
+           {"Darkly", false}, {"", false}})
+    EXPECT_EQ(ThemeNameIsDark(theme), dark) << theme;
+  EXPECT_TRUE(PaletteIsDark(DarkPalette()));
+}
+
+TEST_F(MainWindowTest, ToolbarsWrapWithinTheWindowAndEveryButtonHasAnIconAndATip) {
+  start();
+  for (int i = 0; i < kToolbarCount; ++i) window->toolbar(i)->setVisible(true);
+  window->resize(700, 600);
+  for (int k = 0; k < 5; ++k) QCoreApplication::processEvents();
+  for (int i = 0; i < kToolbarCount; ++i) {
+    QToolBar* tb = window->toolbar(i);
+    if (window->toolBarArea(tb) != Qt::TopToolBarArea) continue;
+    EXPECT_LE(tb->geometry().right(), window->width()) << tb->objectName().toStdString();
+  }
+  EXPECT_LE(window->width(), 700);
+
+  // Light and dark: the program's own drawings take the palette's text colour.
+  auto inkOf = [&](const char* name) {
+    const QImage img = act(name)->icon().pixmap(24, 24).toImage();
+    int darkest = 255, lightest = 0;
+    for (int y = 0; y < img.height(); ++y)
+      for (int x = 0; x < img.width(); ++x) {
+        const QColor c = img.pixelColor(x, y);
+        if (c.alpha() < 200) continue;
+        darkest = std::min(darkest, c.lightness());
+        lightest = std::max(lightest, c.lightness());
+      }
+    return std::pair{darkest, lightest};
+  };
+  for (int i = 0; i < kToolbarCount; ++i)
+    for (QAction* a : window->toolbar(i)->actions()) {
+      if (a->objectName().isEmpty()) continue;  // a widget of the bar, not a command
+      EXPECT_FALSE(a->icon().isNull()) << a->objectName().toStdString();
+      EXPECT_FALSE(a->toolTip().isEmpty()) << a->objectName().toStdString();
+      EXPECT_FALSE(a->toolTip().contains('&') || a->toolTip().contains('\t')) << a->objectName().toStdString();
+    }
+  QPalette dark = window->palette();
+  dark.setColor(QPalette::Window, QColor(40, 40, 40));
+  dark.setColor(QPalette::ButtonText, QColor(230, 230, 230));
+  dark.setColor(QPalette::WindowText, QColor(230, 230, 230));
+  const QPalette light = window->palette();
+  EXPECT_LT(inkOf("mnuBarNext").first, 80);
+  window->setPalette(dark);
+  EXPECT_GT(inkOf("mnuBarNext").second, 180);
+  EXPECT_GT(inkOf("mnuBarNext").first, 150);
+  window->setPalette(light);
+  EXPECT_LT(inkOf("mnuBarNext").first, 80);
 }
 
 }  // namespace

@@ -5,6 +5,9 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "score/file_io.h"
 #include "score/new_score.h"
@@ -139,8 +142,9 @@ TEST(StatusTime, CursorTimeCountsTheBeatsBeforeIt) {
   s.beatMut(0, 0, 0).Length = 99;  // a value from a damaged file
   doc.CursorBar = 1;
   EXPECT_EQ(CursorTimeSeconds(doc), std::nullopt);
-  EXPECT_EQ(FormatStatusTime(1.5), "01.50000");
-  EXPECT_EQ(FormatStatusTime(754.25), "754.25000");
+  for (const auto& [seconds, shown] : std::vector<std::pair<double, std::string>>{
+           {0, "0:00"}, {1.5, "0:01"}, {59.99, "0:59"}, {60, "1:00"}, {754.25, "12:34"}, {4500, "75:00"}, {-3, "0:00"}})
+    EXPECT_EQ(FormatStatusTime(seconds), shown) << seconds;
 }
 
 TEST(Session, ADamagedSettingsFileStartsWithWhatItCanRead) {

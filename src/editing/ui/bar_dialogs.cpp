@@ -74,7 +74,7 @@ class KeyPreview : public QWidget {
 
 class RangeOptions : public QGroupBox {
  public:
-  explicit RangeOptions(QWidget* parent) : QGroupBox(parent) {
+  RangeOptions(QWidget* parent, const std::optional<SelectedRange>& selection) : QGroupBox(parent) {
     auto* l = new QVBoxLayout(this);
     const char* texts[3] = {"Apply to this bar only", "Apply to all bars from this one", "Apply to all bars"};
     for (int i = 0; i < 3; ++i) {
@@ -84,6 +84,14 @@ class RangeOptions : public QGroupBox {
       l->addWidget(r);
     }
     group.button(0)->setChecked(true);
+    if (selection) {
+      const SelectedRange whole{selection->firstBar, selection->lastBar, 0, 0, true, {}};
+      auto* r = new QRadioButton("Apply to the selection (" + selectionText(whole) + ")", this);
+      r->setObjectName("optApplySelection");
+      group.addButton(r, static_cast<int>(ApplyRange::Selection));
+      l->addWidget(r);
+      r->setChecked(true);
+    }
   }
   ApplyRange range() const { return static_cast<ApplyRange>(std::max(group.checkedId(), 0)); }
   QButtonGroup group;
@@ -91,7 +99,8 @@ class RangeOptions : public QGroupBox {
 
 // ---- time signature ----
 
-BarTimeSigDialog::BarTimeSigDialog(const Document& doc, QWidget* parent) : QDialog(parent) {
+BarTimeSigDialog::BarTimeSigDialog(const Document& doc, QWidget* parent, const std::optional<SelectedRange>& selection)
+    : QDialog(parent) {
   setObjectName("ntne_frmBarTimeSig");
   setWindowTitle("Time Signature");
   auto* l = new QVBoxLayout(this);
@@ -113,7 +122,7 @@ BarTimeSigDialog::BarTimeSigDialog(const Document& doc, QWidget* parent) : QDial
   const int di = Combo2->findData(bi.TimeSigDenominator);
   Combo1->setCurrentIndex(ni < 0 ? 3 : ni);
   Combo2->setCurrentIndex(di < 0 ? 2 : di);
-  range_ = new RangeOptions(this);
+  range_ = new RangeOptions(this, selection);
   l->addWidget(range_);
   l->addWidget(okCancel(this));
 }
@@ -124,7 +133,8 @@ ApplyRange BarTimeSigDialog::range() const { return range_->range(); }
 
 // ---- key signature ----
 
-BarKeySigDialog::BarKeySigDialog(const Document& doc, QWidget* parent) : QDialog(parent) {
+BarKeySigDialog::BarKeySigDialog(const Document& doc, QWidget* parent, const std::optional<SelectedRange>& selection)
+    : QDialog(parent) {
   setObjectName("ntne_frmBarKeySig");
   setWindowTitle("Key Signature");
   auto* l = new QVBoxLayout(this);
@@ -151,7 +161,7 @@ BarKeySigDialog::BarKeySigDialog(const Document& doc, QWidget* parent) : QDialog
   Picture1 = preview;
   grid->addWidget(preview, 1);
   l->addLayout(grid);
-  range_ = new RangeOptions(this);
+  range_ = new RangeOptions(this, selection);
   l->addWidget(range_);
   l->addWidget(okCancel(this));
 
@@ -210,9 +220,18 @@ void CheckList::check(int row, bool on) {
 
 namespace {
 
+// The tracks a list offers checked: the selection's, or the cursor's.
+void checkSelectedTracks(CheckList* list, const EditContext& ctx) {
+  if (auto sel = SelectionOf(ctx))
+    for (int t : sel->tracks) list->check(t, true);
+  else
+    list->check(ctx.doc.CursorTrack, true);
+}
+
 // ntne_frmInsertBar and ntne_frmRemoveBar: which tracks. The cursor's track comes checked.
-std::optional<std::vector<int>> askTracks(QWidget* parent, const Document& doc, const char* name,
-                                          const char* title, const char* question) {
+std::optional<std::vector<int>> askTracks(QWidget* parent, const EditContext& ctx, const char* name,
+                                          const char* title, const QString& question) {
+  const Document& doc = ctx.doc;
   QDialog d(parent);
   d.setObjectName(name);
   d.setWindowTitle(title);
@@ -221,7 +240,7 @@ std::optional<std::vector<int>> askTracks(QWidget* parent, const Document& doc, 
   auto* tracks = new CheckList(trackNames(doc.score), &d);
   tracks->list->setObjectName("lstTracks");
   tracks->findChild<QPushButton*>("cmdSelectAll")->setText("All");
-  tracks->check(doc.CursorTrack, true);
+  checkSelectedTracks(tracks, ctx);
   l->addWidget(tracks);
   l->addWidget(okCancel(&d));
   if (d.exec() != QDialog::Accepted) return std::nullopt;
@@ -233,7 +252,16 @@ enum class ClipMode { Cut, Copy, Paste };
 // ntne_frmCutCopyPaste: one form, three pages.
 class CutCopyPasteDialog : public QDialog {
  public:
-  CutCopyPasteDialog(const Document& doc, ClipMode mode, QWidget* parent) : QDialog(parent) {
+  CutCopyPasteDialog(const EditContext& ctx, ClipMode mode, QWidget* parent) : QDialog(parent) {
+    const Document& doc = ctx.doc;
+    // Whole bars selected come checked; otherwise the cursor's bar.
+    const auto sel = SelectionOf(ctx);
+    auto checkBars = [&](CheckList* list) {
+      if (sel && sel->wholeBars)
+        for (int b : sel->bars()) list->check(b, true);
+      else
+        list->check(doc.CursorBar, true);
+    };
     setObjectName("ntne_frmCutCopyPaste");
     setWindowTitle("Cut, Copy and Paste");
     auto* l = new QVBoxLayout(this);
@@ -247,12 +275,12 @@ class CutCopyPasteDialog : public QDialog {
     auto* cutTracksBox = new QVBoxLayout;
     cutTracksBox->addWidget(new QLabel("From Tracks:", picCut));
     cutTracks = new CheckList(tracks, picCut);
-    cutTracks->check(doc.CursorTrack, true);
+    checkSelectedTracks(cutTracks, ctx);
     cutTracksBox->addWidget(cutTracks);
     auto* cutBarsBox = new QVBoxLayout;
     cutBarsBox->addWidget(new QLabel("Cut Bars:", picCut));
     cutBars = new CheckList(bars, picCut);
-    cutBars->check(doc.CursorBar, true);
+    checkBars(cutBars);
     cutBarsBox->addWidget(cutBars);
     cl->addLayout(cutTracksBox);
     cl->addLayout(cutBarsBox);
@@ -262,7 +290,7 @@ class CutCopyPasteDialog : public QDialog {
     auto* col = new QVBoxLayout(picCopy);
     col->addWidget(new QLabel("Which bars would you like to copy?", picCopy));
     copyBars = new CheckList(bars, picCopy);
-    copyBars->check(doc.CursorBar, true);
+    checkBars(copyBars);
     col->addWidget(copyBars);
 
     auto* picPaste = new QWidget(pages);
@@ -270,7 +298,7 @@ class CutCopyPasteDialog : public QDialog {
     auto* pl = new QVBoxLayout(picPaste);
     pl->addWidget(new QLabel("Which tracks would you like to paste on?", picPaste));
     pasteTracks = new CheckList(tracks, picPaste);
-    pasteTracks->check(doc.CursorTrack, true);
+    checkSelectedTracks(pasteTracks, ctx);
     pl->addWidget(pasteTracks);
     auto* row = new QHBoxLayout;
     row->addWidget(new QLabel("Pastings:", picPaste));
@@ -400,7 +428,7 @@ std::optional<int> AskRepeatCount(QWidget* parent) {
 
 void mnuBarTimeSignature_Click(QWidget* parent, EditContext& ctx) {
   if (!PasswordCorrect(ctx)) return;
-  BarTimeSigDialog d(ctx.doc, parent);
+  BarTimeSigDialog d(ctx.doc, parent, SelectionOf(ctx));
   if (d.exec() == QDialog::Accepted) ApplyTimeSignature(ctx, d.numerator(), d.denominator(), d.range());
 }
 
@@ -410,32 +438,35 @@ void mnuBarKeySignature_Click(QWidget* parent, EditContext& ctx) {
     return;
   }
   if (!PasswordCorrect(ctx)) return;
-  BarKeySigDialog d(ctx.doc, parent);
+  BarKeySigDialog d(ctx.doc, parent, SelectionOf(ctx));
   if (d.exec() == QDialog::Accepted) ApplyKeySignature(ctx, d.key(), d.minor(), d.range());
 }
 
 void mnuBarInsert_Click(QWidget* parent, EditContext& ctx) {
   if (!PasswordCorrect(ctx)) return;
-  auto tracks = askTracks(parent, ctx.doc, "ntne_frmInsertBar", "Insert a Bar",
+  auto tracks = askTracks(parent, ctx, "ntne_frmInsertBar", "Insert a Bar",
                           "Which tracks would you like to insert a bar on?");
   if (tracks) InsertBar(ctx, *tracks);
 }
 
 void mnuRemoveBar_Click(QWidget* parent, EditContext& ctx) {
   if (!PasswordCorrect(ctx)) return;
-  auto tracks = askTracks(parent, ctx.doc, "ntne_frmRemoveBar", "Remove a Bar",
-                          "Which tracks would you like to remove the bar from?");
+  const auto sel = SelectionOf(ctx);
+  const QString question = sel && sel->wholeBars
+                               ? "Which tracks would you like to remove " + selectionText(*sel) + " from?"
+                               : QString("Which tracks would you like to remove the bar from?");
+  auto tracks = askTracks(parent, ctx, "ntne_frmRemoveBar", "Remove a Bar", question);
   if (tracks) RemoveBar(ctx, *tracks);
 }
 
 void mnuBarCut_Click(QWidget* parent, EditContext& ctx) {
   if (!PasswordCorrect(ctx)) return;
-  CutCopyPasteDialog d(ctx.doc, ClipMode::Cut, parent);
+  CutCopyPasteDialog d(ctx, ClipMode::Cut, parent);
   if (d.exec() == QDialog::Accepted) CutBars(ctx, d.cutTracks->checked(), d.cutBars->checked());
 }
 
 void mnuBarCopy_Click(QWidget* parent, EditContext& ctx) {
-  CutCopyPasteDialog d(ctx.doc, ClipMode::Copy, parent);
+  CutCopyPasteDialog d(ctx, ClipMode::Copy, parent);
   if (d.exec() == QDialog::Accepted) CopyBars(ctx, d.copyBars->checked());
 }
 
@@ -445,7 +476,7 @@ void mnuBarPaste_Click(QWidget* parent, EditContext& ctx) {
     return;
   }
   if (!PasswordCorrect(ctx)) return;
-  CutCopyPasteDialog d(ctx.doc, ClipMode::Paste, parent);
+  CutCopyPasteDialog d(ctx, ClipMode::Paste, parent);
   if (d.exec() == QDialog::Accepted)
     PasteBars(ctx, d.pasteTracks->checked(), d.txtNum->value(), d.optAfter->isChecked());
 }

@@ -7,6 +7,7 @@
 #include <optional>
 
 #include "editing/bar_commands.h"
+#include "editing/selection.h"
 
 class QButtonGroup;
 class QComboBox;
@@ -37,7 +38,8 @@ class RangeOptions;
 class BarTimeSigDialog : public QDialog {
   Q_OBJECT
  public:
-  BarTimeSigDialog(const Document& doc, QWidget* parent);
+  // With a selection the dialog offers it as a fourth range, chosen at first.
+  BarTimeSigDialog(const Document& doc, QWidget* parent, const std::optional<SelectedRange>& selection = std::nullopt);
   int numerator() const;
   int denominator() const;
   ApplyRange range() const;
@@ -51,7 +53,7 @@ class BarTimeSigDialog : public QDialog {
 class BarKeySigDialog : public QDialog {
   Q_OBJECT
  public:
-  BarKeySigDialog(const Document& doc, QWidget* parent);
+  BarKeySigDialog(const Document& doc, QWidget* parent, const std::optional<SelectedRange>& selection = std::nullopt);
   int32_t key() const;
   bool minor() const;
   ApplyRange range() const;

@@ -6,6 +6,7 @@
 #include <QPushButton>
 #include <QStringList>
 
+#include "editing/selection.h"
 #include "score/score_records.h"
 
 namespace plectaro {
@@ -28,6 +29,16 @@ inline QStringList trackNames(const Score& s) {
     names << (n.empty() ? QString("Track %1").arg(t + 1) : QString::fromStdString(n));
   }
   return names;
+}
+
+// The selection as a dialog names its range: "bars 3 to 6", "bar 3", "beats 2 to 4 of bar 3".
+inline QString selectionText(const SelectedRange& r) {
+  if (!r.wholeBars) {
+    if (r.firstBeat == r.lastBeat) return QString("beat %1 of bar %2").arg(r.firstBeat + 1).arg(r.firstBar + 1);
+    return QString("beats %1 to %2 of bar %3").arg(r.firstBeat + 1).arg(r.lastBeat + 1).arg(r.firstBar + 1);
+  }
+  if (r.firstBar == r.lastBar) return QString("bar %1").arg(r.firstBar + 1);
+  return QString("bars %1 to %2").arg(r.firstBar + 1).arg(r.lastBar + 1);
 }
 
 }  // namespace plectaro

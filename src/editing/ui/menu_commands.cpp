@@ -108,8 +108,10 @@ void ConnectMenuCommands(const std::function<QAction*(const QString& name)>& fin
       const int tab = text.indexOf('\t');
       if (tab >= 0) text.truncate(tab);
       a->setText(text + '\t' + QString::fromLatin1(cmd.keys));
-      // Toolbar buttons show the icon text: the caption alone, without the key.
+      // Toolbar buttons show the icon text: the caption alone, without the key; their tip
+      // names the key after it.
       a->setIconText(QString(text).remove('&'));
+      a->setToolTip(a->iconText() + " (" + QString::fromLatin1(cmd.keys) + ")");
     }
     if (a->property("plectaroEditing").toBool()) continue;
     // An item the window already serves itself (it is enabled) keeps its own command; two

@@ -14,6 +14,9 @@
 #include <QSpinBox>
 #include <QVBoxLayout>
 
+#include <algorithm>
+#include <optional>
+
 #include "editing/cursor_access.h"
 #include "editing/ui/dialog_parts.h"
 #include "playback/midi_out.h"
@@ -338,16 +341,27 @@ void mnuOperationsTranspose_Click(QWidget* parent, EditContext& ctx) {
   l->addWidget(new QLabel("Which tracks would you like to tranpose?", &d));
   auto* list = new QListWidget(&d);
   list->setObjectName("lstTracks");
+  // With a selection the dialog offers its tracks and its bars; otherwise the cursor's track,
+  // whole. Drum tracks have no pitches to move.
+  const std::optional<SelectedRange> selected = SelectionOf(ctx);
+  const std::vector<int> offered = selected ? selected->tracks : std::vector<int>{ctx.doc.CursorTrack};
   const QStringList names = trackNames(ctx.doc.score);
   for (int t = 0; t < names.size(); ++t) {
     auto* item = new QListWidgetItem(names[t], list);
     item->setFlags(item->flags() | Qt::ItemIsUserCheckable);
-    // The cursor's track is offered; drum tracks have no pitches to move.
     const bool drums = ctx.doc.score.Tracks[static_cast<size_t>(t)].DrumTrack;
-    item->setCheckState(t == ctx.doc.CursorTrack && !drums ? Qt::Checked : Qt::Unchecked);
+    const bool on = std::find(offered.begin(), offered.end(), t) != offered.end();
+    item->setCheckState(on && !drums ? Qt::Checked : Qt::Unchecked);
     if (drums) item->setFlags(item->flags() & ~Qt::ItemIsEnabled);
   }
   l->addWidget(list);
+  QCheckBox* onlySelected = nullptr;
+  if (selected) {
+    onlySelected = new QCheckBox("Only the selection (" + selectionText(*selected) + ")", &d);
+    onlySelected->setObjectName("chkSelection");
+    onlySelected->setChecked(true);
+    l->addWidget(onlySelected);
+  }
   auto* row = new QHBoxLayout;
   row->addWidget(new QLabel("Number of Semitones:", &d));
   auto* semis = spin(&d, "txtSemitones", -24, 24, 0);
@@ -358,7 +372,8 @@ void mnuOperationsTranspose_Click(QWidget* parent, EditContext& ctx) {
   std::vector<int> tracks;
   for (int t = 0; t < list->count(); ++t)
     if (list->item(t)->checkState() == Qt::Checked) tracks.push_back(t);
-  Transpose(ctx, tracks, semis->value());
+  const bool ranged = onlySelected && onlySelected->isChecked();
+  Transpose(ctx, tracks, semis->value(), ranged ? &*selected : nullptr);
 }
 
 // ---- lyric lines ----

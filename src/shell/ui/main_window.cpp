@@ -7,20 +7,26 @@
 #include <QCloseEvent>
 #include <QDragEnterEvent>
 #include <QDropEvent>
+#include <QGuiApplication>
 #include <QLabel>
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QScreen>
 #include <QStatusBar>
 #include <QStyle>
 #include <QToolBar>
 
 #include "score/new_score.h"
 #include "shell/status_time.h"
+#include "shell/ui/desktop_palette.h"
 #include "shell/ui/document_view.h"
 #include "shell/ui/file_properties_dialog.h"
+#include "shell/ui/help_dialogs.h"
 #include "shell/ui/language_ui.h"
 #include "shell/ui/options_dialog.h"
+#include "shell/ui/toolbar_icons.h"
+#include "shell/ui/window_fit.h"
 
 namespace plectaro {
 
@@ -102,7 +108,10 @@ MainWindow::MainWindow(Session& session) : session_(session) {
     UpdateRecentFiles();
     SetWindowCaption();
   };
-  resize(1100, 800);
+  // The first time, the window fits the screen it opens on; later its stored place rules.
+  if (const QScreen* sc = screen() ? screen() : QGuiApplication::primaryScreen())
+    setGeometry(FirstWindowPlace(sc->availableGeometry()));
+  new ToolbarWrapper(this, {toolbars_.begin(), toolbars_.end()});
   UpdateRecentFiles();
   SetWindowCaption();
 }
@@ -308,30 +317,18 @@ void MainWindow::buildMenus() {
   item(tools, "mnuToolsOptions", [this] { mnuToolsOptions_Click(); });
 
   QMenu* help = menu(nullptr, "mnuHelp");
+  item(help, "mnuHelpGettingStarted", [this] {
+    ShowGettingStarted(this, StripAmpersand(session_.messages().text("frmMain", "mnuHelpGettingStarted")));
+  });
   item(help, "mnuHelpShortcuts", nullptr, QKeySequence(Qt::Key_F1));
+  help->addSeparator();
   item(help, "mnuHelpAbout", [this] {
-    QMessageBox::about(this, StripAmpersand(session_.messages().text("frmMain", "mnuHelpAbout")),
-                       "Plectaro 4.0");
+    ShowAbout(this, StripAmpersand(session_.messages().text("frmMain", "mnuHelpAbout")));
   });
 }
 
 void MainWindow::buildToolbars() {
   QMenu* toggles = findChild<QMenu*>("mnuViewToolbars");
-  const QStyle* st = style();
-  const std::map<QString, QStyle::StandardPixmap> icons = {
-      {"mnuFileNew", QStyle::SP_FileIcon},
-      {"mnuFileOpen", QStyle::SP_DialogOpenButton},
-      {"mnuFileSave", QStyle::SP_DialogSaveButton},
-      {"mnuFileProperties", QStyle::SP_FileDialogDetailedView},
-      {"mnuBarFirst", QStyle::SP_MediaSkipBackward},
-      {"mnuBarPrevious", QStyle::SP_MediaSeekBackward},
-      {"mnuBarNext", QStyle::SP_MediaSeekForward},
-      {"mnuBarLast", QStyle::SP_MediaSkipForward},
-      {"mnuSoundPlayFromStart", QStyle::SP_MediaPlay},
-      {"mnuSoundStop", QStyle::SP_MediaStop},
-  };
-  for (const auto& [name, pix] : icons)
-    if (QAction* a = action(name)) a->setIcon(st->standardIcon(pix));
   for (int i = 0; i < kToolbarCount; ++i) {
     auto* tb = new QToolBar(this);
     tb->setObjectName(QString("tb%1").arg(i));
@@ -342,20 +339,26 @@ void MainWindow::buildToolbars() {
     toggles->addAction(tb->toggleViewAction());
     toolbars_[static_cast<size_t>(i)] = tb;
   }
+  QStringList names;
+  for (const auto& bar : kToolbarItems)
+    for (const char* n : bar) names << n;
+  new ToolbarIcons(this, names);
 }
 
 void MainWindow::buildStatusBar() {
-  auto panel = [this](const char* name, int stretch) {
+  // The panels stand on the right for good; a passing message (no sound, a drawing error)
+  // takes the room on their left instead of hiding them.
+  auto panel = [this](const char* name, int width) {
     auto* l = new QLabel(this);
     l->setObjectName(name);
-    l->setMinimumWidth(120);
-    statusBar()->addWidget(l, stretch);
+    l->setMinimumWidth(width);
+    statusBar()->addPermanentWidget(l);
     return l;
   };
-  sbTiming_ = panel("sbTimingPanel", 2);
-  sbFill_ = panel("sbFillPanel", 1);
-  sbPages_ = panel("sbPagesPanel", 1);
-  sbTime_ = panel("sbTimePanel", 1);
+  sbTiming_ = panel("sbTimingPanel", 170);
+  sbFill_ = panel("sbFillPanel", 90);
+  sbPages_ = panel("sbPagesPanel", 70);
+  sbTime_ = panel("sbTimePanel", 190);
 }
 
 void MainWindow::applyTexts() {
@@ -451,7 +454,8 @@ void MainWindow::showStatus(const ViewStatus& s) {
   static const char* fillKeys[] = {"str_IncompleteBar", "str_CompleteBar", "str_ExceededBar"};
   const int state = std::clamp(s.FillState, 0, 2);
   sbFill_->setText("  " + str(fillKeys[state]));
-  sbFill_->setStyleSheet(state == 1 ? "" : "color: #b00000;");
+  // A warning red that reads on a light and on a dark status bar alike.
+  sbFill_->setStyleSheet(state == 1 ? "" : PaletteIsDark(palette()) ? "color: #ff7070;" : "color: #b00000;");
   sbPages_->setText(s.Pages.empty() ? str("str_PagesLabel") + " 1" : q(s.Pages));
   const Document& d = session_.doc();
   QString where = QString("%1 %2  %3 %4  %5 %6")
