@@ -17,6 +17,7 @@
 #include "tools/ui/drum_machine_window.h"
 #include "tools/ui/metronome_window.h"
 #include "tools/ui/trainer_window.h"
+#include "reference/ui/tuning_loader.h"
 #include "tools/ui/tuner_window.h"
 
 namespace {

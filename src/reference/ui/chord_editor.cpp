@@ -14,6 +14,7 @@
 #include "reference/cell_drawing.h"
 #include "reference/note_names.h"
 #include "reference/place_commands.h"
+#include "reference/ui/tuning_loader.h"
 #include "reference/ui/view_menu.h"
 #include "score/value_text.h"
 
@@ -90,7 +91,10 @@ ChordEditor::ChordEditor(ReferenceEnv& env, QWidget* parent) : QDialog(parent), 
   play->setObjectName("cmdPlay");
   auto* save = buttons->addButton(env_.caption("cmdSave", "&Save"), QDialogButtonBox::ActionRole);
   save->setObjectName("cmdSave");
+  auto* loadTuning = buttons->addButton(env_.caption("cmdLoadTuning", "Load &Tuning..."), QDialogButtonBox::ActionRole);
+  loadTuning->setObjectName("cmdLoadTuning");
   buttons->addButton(QDialogButtonBox::Close);
+  connect(loadTuning, &QPushButton::clicked, this, [this] { PickTuning(this, env_.data, tuningBoxes()); });
   connect(play, &QPushButton::clicked, this, [this] { PlayChordOnce(); });
   connect(save, &QPushButton::clicked, this, [this] { saveChord(); });
   connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::hide);
@@ -148,7 +152,11 @@ bool ChordEditor::chord(ChordData& c, std::string& error) const {
     c.Fingers[idx] = static_cast<int16_t>(std::max(0, cmbFinger_[idx]->currentIndex()));
     if (i >= c.NumStrings) continue;
     const QString t = txtFret_[idx]->text().trimmed();
-    if (t.isEmpty() || t.compare("x", Qt::CaseInsensitive) == 0) {
+    if (t.isEmpty()) {
+      // An empty box is a string the chord leaves alone: the file keeps it blank, and the chart
+      // draws nothing there. Typing "x" marks it muted, with an X on the chart.
+      c.Frets[idx] = "";
+    } else if (t.compare("x", Qt::CaseInsensitive) == 0) {
       c.Frets[idx] = "x";
     } else if (isFret(t)) {
       // The file keeps frets relative to the chart's first fret; a chart shows five frets.

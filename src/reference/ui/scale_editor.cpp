@@ -13,6 +13,7 @@
 #include <QVBoxLayout>
 
 #include "reference/note_names.h"
+#include "reference/ui/tuning_loader.h"
 #include "reference/ui/view_menu.h"
 
 namespace plectaro {
@@ -76,6 +77,9 @@ ScaleEditor::ScaleEditor(ReferenceEnv& env, QWidget* parent) : QDialog(parent), 
   stopButton->setObjectName("cmdStop");
   auto* saveButton = buttons->addButton(env_.caption("cmdSave", "&Save"), QDialogButtonBox::ActionRole);
   saveButton->setObjectName("cmdSave");
+  auto* loadTuning = buttons->addButton(env_.caption("cmdLoadTuning", "Load &Tuning..."), QDialogButtonBox::ActionRole);
+  loadTuning->setObjectName("cmdLoadTuning");
+  connect(loadTuning, &QPushButton::clicked, this, [this] { PickTuning(this, env_.data, tuningBoxes()); });
   buttons->addButton(QDialogButtonBox::Close);
   connect(playButton, &QPushButton::clicked, this, [this] { play(); });
   connect(stopButton, &QPushButton::clicked, this, [this] { stop(); });
