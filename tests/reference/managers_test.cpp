@@ -2,7 +2,9 @@
 // adding a chord or scale at the cursor (and undoing it), restore, the key menu.
 #include <QAction>
 #include <QApplication>
+#include <QLabel>
 #include <QLineEdit>
+#include <fstream>
 #include <QMenuBar>
 #include <gtest/gtest.h>
 
@@ -10,6 +12,7 @@
 #include "reference/ui/chord_editor.h"
 #include "reference/ui/chord_manager.h"
 #include "reference/ui/scale_editor.h"
+#include "reference/ui/scale_list.h"
 #include "reference/ui/scale_manager.h"
 #include "reference/ui/tuning_loader.h"
 #include "reference/place_commands.h"
@@ -207,6 +210,29 @@ TEST_F(Managers, TheTuningPickerSetsTheEditorsStrings) {
   EXPECT_EQ(c.NumStrings, 6);
   // Strings 6 to 3 of Nashville sound an octave up.
   EXPECT_EQ(s.Tuning[5], 52);
+}
+
+TEST_F(Managers, TheScaleListFillsAtStartAndAgainAfterChanges) {
+  std::vector<int> strings = {64, 59, 55, 50, 45, 40};
+  ScaleListPanel list(env, [&] { return strings; });
+  EXPECT_EQ(list.scales().size(), 38);  // the library is written on first use
+  list.choose("Basic Pentatonic", 0);  // A
+  ASSERT_FALSE(list.dots().empty());
+  const auto inA = list.dots();
+  // The chosen scale and key come back in a new list.
+  ScaleListPanel again(env, [&] { return strings; });
+  EXPECT_EQ(again.dots(), inA);
+  // Another tuning moves the dots once the list is told.
+  strings[5] = 38;
+  list.refresh();
+  EXPECT_NE(list.dots(), inA);
+  // A deleted scale goes at the next fill; a damaged one is named and shows nothing.
+  std::filesystem::remove(ScaleFolder(env.data) / "Arabian");
+  { std::ofstream(ScaleFolder(env.data) / "Basic Pentatonic", std::ios::trunc) << " 6 \r\n1\r\n"; }
+  list.PopulateScaleList();
+  EXPECT_EQ(list.scales().size(), 37);
+  EXPECT_TRUE(list.dots().empty());
+  EXPECT_FALSE(list.findChild<QLabel*>("lblStatus")->text().isEmpty());
 }
 
 TEST_F(Managers, RestoreChordsPutsTheLibraryBack) {
