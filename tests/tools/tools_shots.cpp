@@ -95,7 +95,7 @@ int main(int argc, char** argv) {
   wait(1200);
   shoot(tuner, out + "/tuner.png");
   tuner.Command3_Click();
-  plectaro::TuningLoader loader(tuner.library());
+  plectaro::TuningLoader loader(tuner.library(), env.languageFile);
   shoot(loader, out + "/tuning_loader.png");
   std::printf("%zu MIDI messages\n", midi.messages.size());
   fs::remove_all(data);

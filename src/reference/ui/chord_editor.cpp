@@ -16,6 +16,7 @@
 #include "reference/place_commands.h"
 #include "reference/ui/tuning_loader.h"
 #include "reference/ui/view_menu.h"
+#include "shell/ui/language_ui.h"
 #include "score/value_text.h"
 
 namespace plectaro {
@@ -32,7 +33,8 @@ bool isFret(const QString& t) {
 
 ChordEditor::ChordEditor(ReferenceEnv& env, QWidget* parent) : QDialog(parent), env_(env) {
   setObjectName("frmChordEditor");
-  setWindowTitle(env_.caption("Caption", "Chord Editor"));
+  // The title comes from the window's section of the language file (English when none).
+  LoadLanguage(this, env_.languageFile);
   auto* top = new QFormLayout;
   txtName_ = new QLineEdit(this);
   txtName_->setObjectName("txtName");
@@ -94,7 +96,7 @@ ChordEditor::ChordEditor(ReferenceEnv& env, QWidget* parent) : QDialog(parent), 
   auto* loadTuning = buttons->addButton(env_.caption("cmdLoadTuning", "Load &Tuning..."), QDialogButtonBox::ActionRole);
   loadTuning->setObjectName("cmdLoadTuning");
   buttons->addButton(QDialogButtonBox::Close);
-  connect(loadTuning, &QPushButton::clicked, this, [this] { PickTuning(this, env_.data, tuningBoxes()); });
+  connect(loadTuning, &QPushButton::clicked, this, [this] { PickTuning(this, env_.data, env_.languageFile, tuningBoxes()); });
   connect(play, &QPushButton::clicked, this, [this] { PlayChordOnce(); });
   connect(save, &QPushButton::clicked, this, [this] { saveChord(); });
   connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::hide);

@@ -18,6 +18,7 @@ namespace plectaro {
 ReferenceWindows::ReferenceWindows(MainWindow& window, Session& session, EditContext* edit)
     : QObject(&window), window_(window), session_(session), edit_(edit) {
   env_.data = session.folder().data();
+  env_.languageFile = session.languageFile();
   env_.prompter = &session.prompter();
   env_.settings = &session.settings();
   env_.text = [&session](std::string_view key) { return session.messages().str(key); };

@@ -6,11 +6,14 @@
 #include <QVBoxLayout>
 #include <algorithm>
 
+#include "shell/ui/language_ui.h"
+
 namespace plectaro {
 
-TuningLoader::TuningLoader(const TuningLibrary& library, QWidget* parent) : QDialog(parent) {
+TuningLoader::TuningLoader(const TuningLibrary& library, const std::filesystem::path& languageFile, QWidget* parent)
+    : QDialog(parent) {
   setObjectName("frmTuningLoader");
-  setWindowTitle("Load a Tuning");
+  LoadLanguage(this, languageFile);
   auto* box = new QVBoxLayout(this);
   list_ = new QListWidget;
   list_->setObjectName("lstTunings");
@@ -40,10 +43,11 @@ void ShowTuning(const TuningData& tuning, const TuningBoxes& boxes) {
     if (boxes.notes[s]) boxes.notes[s]->setCurrentIndex(std::clamp<int>(tuning.StringNote[s], 0, boxes.notes[s]->count() - 1));
 }
 
-bool PickTuning(QWidget* parent, const std::filesystem::path& dataFolder, const TuningBoxes& boxes) {
+bool PickTuning(QWidget* parent, const std::filesystem::path& dataFolder, const std::filesystem::path& languageFile,
+                const TuningBoxes& boxes) {
   TuningLibrary library(dataFolder);
   library.createAll();
-  TuningLoader picker(library, parent);
+  TuningLoader picker(library, languageFile, parent);
   if (picker.exec() != QDialog::Accepted || !picker.chosen) return false;
   ShowTuning(*picker.chosen, boxes);
   return true;

@@ -18,7 +18,7 @@ namespace plectaro {
 class TuningLoader : public QDialog {
   Q_OBJECT
  public:
-  TuningLoader(const TuningLibrary& library, QWidget* parent = nullptr);
+  TuningLoader(const TuningLibrary& library, const std::filesystem::path& languageFile, QWidget* parent = nullptr);
   // The chosen tuning after exec() returned Accepted.
   std::optional<TuningData> chosen;
 
@@ -38,6 +38,7 @@ void ShowTuning(const TuningData& tuning, const TuningBoxes& boxes);
 
 // Opens the picker over the library of `dataFolder` (writing the built-in tunings when the
 // folder is missing, as the Tuner does) and shows the chosen tuning. False when cancelled.
-bool PickTuning(QWidget* parent, const std::filesystem::path& dataFolder, const TuningBoxes& boxes);
+bool PickTuning(QWidget* parent, const std::filesystem::path& dataFolder, const std::filesystem::path& languageFile,
+                const TuningBoxes& boxes);
 
 }  // namespace plectaro

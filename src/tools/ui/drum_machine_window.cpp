@@ -492,7 +492,9 @@ void DrumMachineWindow::importOld() {
 
 void DrumMachineWindow::batchImport() {
   // frm_BatchDrumImport: every old file of a folder becomes a .p4d beside it.
-  const QString dir = QFileDialog::getExistingDirectory(this, "Batch Drum Import");
+  std::string caption = env_.messages.text("frm_BatchDrumImport", "Caption");
+  if (caption.empty()) caption = "Batch Drum Import";
+  const QString dir = QFileDialog::getExistingDirectory(this, QString::fromStdString(caption));
   if (dir.isEmpty()) return;
   int done = 0, failed = 0;
   for (const QString& name : QDir(dir).entryList({"*.pld", "*.PLD"}, QDir::Files)) {
@@ -504,7 +506,7 @@ void DrumMachineWindow::batchImport() {
     }
   }
   env_.prompter.message(std::to_string(done) + " converted, " + std::to_string(failed) + " could not be read.",
-                        "Batch Drum Import", MessageIcon::Information);
+                        caption, MessageIcon::Information);
 }
 
 void DrumMachineWindow::exportMidi() {
