@@ -9,7 +9,15 @@
 #include <cstdio>
 #include <filesystem>
 
+#include <QAction>
+#include <QImage>
+#include <QPainter>
+
+#include "editing/edit_context.h"
 #include "playback/recording_out.h"
+#include "rendering/draw_document.h"
+#include "rendering/qt/qt_surface.h"
+#include "score/document.h"
 #include "score/settings_store.h"
 #include "shell/language.h"
 #include "shell/prompter.h"
@@ -66,6 +74,29 @@ int main(int argc, char** argv) {
   wait(900);
   shoot(drums, out + "/drum_machine.png");
   drums.stopPlay();
+
+  // The pattern into a new drum track of a score, the page of that track, and the track read
+  // back into an emptied grid.
+  plectaro::Document doc;
+  plectaro::EditContext edit(doc, prompter);
+  edit.hooks.passwordCorrect = [] { return true; };
+  env.editor = &edit;
+  plectaro::DrumMachineWindow fromScore(env);
+  fromScore.machine().pattern = drums.machine().pattern;
+  fromScore.findChild<QAction*>("mnuAdd")->trigger();
+  {
+    QImage page(1000, 700, QImage::Format_ARGB32);
+    page.fill(Qt::white);
+    QPainter p(&page);
+    p.setRenderHint(QPainter::Antialiasing);
+    plectaro::QtSurface surface(p);
+    plectaro::RenderPage(doc, doc.CursorTrack, 0, plectaro::LayoutSettings{}, plectaro::DrawTexts{}, surface);
+    p.end();
+    page.save(out + "/drum_track_page.png");
+  }
+  fromScore.NewFile();
+  fromScore.findChild<QAction*>("mnuLoad")->trigger();
+  shoot(fromScore, out + "/drum_machine_loaded.png");
 
   plectaro::MetronomeWindow metronome(env);
   metronome.file().Sets = {{4, 4, 80, 40}, {4, 4, 100, 50}, {3, 4, 80, 40}, {3, 4, 100, 50}, {6, 8, 120, 8}};
