@@ -178,7 +178,7 @@ int main(int argc, char** argv) {
   auto toolWindows = std::make_unique<plectaro::ToolWindows>(
       std::unique_ptr<plectaro::ToolEnv>(new plectaro::ToolEnv{
           player.midi(), session.settings(), session.messages(), session.prompter(), session.folder().data(),
-          session.languageFile(), session.ini().OutputProgramID, {}}),
+          session.languageFile(), session.ini().OutputProgramID, {}, editor}),
       nullptr);
   auto* tools = toolWindows.get();
   tools->connectMenus([&window](const QString& name) { return window.action(name); });

@@ -9,6 +9,7 @@
 
 #include "playback/midi_out.h"
 #include "score/bar_timing.h"
+#include "score/drum_map.h"
 
 namespace plectaro {
 
@@ -321,24 +322,8 @@ class TrackBuilder {
     for (int k = 1; k <= 46 && !sound; ++k)
       if (GetDrumNote(k) == n.Key) sound = k;
     if (!sound) return false;
-    Track& tr = s_.trackMut(t_);
-    const int lines = std::clamp<int>(tr.Tuning.NumStrings, 1, kMaxStrings);
-    for (int line = 0; line < lines; ++line) {
-      const auto& map = tr.DrumMaps[static_cast<size_t>(line)].Drum;
-      for (size_t sym = 0; sym < map.size(); ++sym)
-        if (map[sym] == sound) return putHit(bar, beat, line, sym, n);
-    }
-    int best = -1, bestUsed = 13;
-    for (int line = 0; line < lines; ++line) {
-      const auto& map = tr.DrumMaps[static_cast<size_t>(line)].Drum;
-      const int used = static_cast<int>(std::count_if(map.begin(), map.end(), [](int16_t v) { return v != 0; }));
-      if (used < bestUsed) best = line, bestUsed = used;
-    }
-    if (best < 0 || bestUsed >= 12) return false;
-    auto& map = tr.DrumMaps[static_cast<size_t>(best)].Drum;
-    const size_t sym = static_cast<size_t>(std::find(map.begin(), map.end(), int16_t{0}) - map.begin());
-    map[sym] = static_cast<int16_t>(sound);
-    return putHit(bar, beat, best, sym, n);
+    const auto slot = DrumSlotFor(s_.trackMut(t_), sound);
+    return slot && putHit(bar, beat, slot->line, static_cast<size_t>(slot->symbol), n);
   }
 
   bool putHit(int bar, int beat, int line, size_t symbol, const MidiNote& n) {

@@ -1,6 +1,7 @@
 #include "reference/place_commands.h"
 
 #include "editing/cursor_access.h"
+#include "score/value_text.h"
 
 namespace plectaro {
 
@@ -48,7 +49,10 @@ bool AddChordAsNotes(EditContext& ctx, const ChordData& chord) {
     Beat& b = CursorBeatMut(ctx.doc);
     for (int i = 0; i < n; ++i) {
       int fret = 0;
-      b.Notes[static_cast<size_t>(i)].Fret = chord.absoluteFret(i, fret) ? std::to_string(fret) : "";
+      // The chord's fret texts go over as they are: a fret (made absolute), "x" as a dead
+      // note, and a blank string as no note.
+      const bool muted = Trim(chord.Frets[static_cast<size_t>(i)]) == "x";
+      b.Notes[static_cast<size_t>(i)].Fret = chord.absoluteFret(i, fret) ? std::to_string(fret) : muted ? "x" : "";
     }
   });
 }

@@ -12,8 +12,8 @@ namespace plectaro {
 
 // Marks the cursor's beat as holding this chord diagram, with its name.
 bool AddChordAsDiagram(EditContext& ctx, const std::string& name, const ChordData& chord);
-// Writes the chord's absolute frets into the cursor's beat; strings the chord does not play
-// are left empty, and strings beyond the track's are not touched.
+// Writes the chord's fret texts into the cursor's beat: frets as absolute frets, "x" as a dead
+// note, a blank string as no note; strings beyond the track's are not touched.
 bool AddChordAsNotes(EditContext& ctx, const ChordData& chord);
 // Writes the scale as eighth notes in playing order: the first into the cursor's beat, the
 // rest into new beats after it in the same bar. Notes on strings the track lacks are left out.

@@ -1,6 +1,7 @@
 #include "reference/scales.h"
 
 #include <algorithm>
+#include <array>
 #include <system_error>
 
 #include "reference/library_files.h"
@@ -171,6 +172,21 @@ std::vector<ScaleNote> ScaleNotes(const ScaleData& s, int keyOffset, bool high, 
   }
   if (!ascending) std::reverse(notes.begin(), notes.end());
   return notes;
+}
+
+std::vector<NeckDot> ScaleOnNeck(const ScaleData& s, int keyOffset, const std::vector<int>& openPitches, int frets) {
+  std::array<bool, 12> inScale{};
+  for (const ScaleNote& n : ScaleNotes(s, keyOffset, false, true)) inScale[static_cast<size_t>(((n.pitch % 12) + 12) % 12)] = true;
+  constexpr int kPitchClassOfE = 4;
+  const int root = (kPitchClassOfE + keyOffset % 12 + 12) % 12;
+  std::vector<NeckDot> dots;
+  for (size_t string = 0; string < openPitches.size(); ++string) {
+    for (int fret = 0; fret <= frets; ++fret) {
+      const int pc = ((openPitches[string] + fret) % 12 + 12) % 12;
+      if (inScale[static_cast<size_t>(pc)]) dots.push_back({static_cast<int>(string), fret, pc == root});
+    }
+  }
+  return dots;
 }
 
 }  // namespace plectaro

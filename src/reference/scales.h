@@ -62,4 +62,17 @@ struct ScaleNote {
 // the exact reverse when descending. `high` moves the pattern an octave up the neck.
 std::vector<ScaleNote> ScaleNotes(const ScaleData& scale, int keyOffset, bool high, bool ascending);
 
+// One place of a scale on a whole neck.
+struct NeckDot {
+  int string = 0;  // 0 is string 1
+  int fret = 0;
+  bool root = false;  // the key's own note
+  bool operator==(const NeckDot&) const = default;
+};
+// Every fret from 0 to `frets` on strings of these open pitches (string 1 first) that sounds a
+// note of the scale in this key: the scale's notes taken as pitch classes, so the pattern
+// repeats up the neck and follows any tuning. The patterns are stored in E, so the root is E
+// moved up by the key offset.
+std::vector<NeckDot> ScaleOnNeck(const ScaleData& scale, int keyOffset, const std::vector<int>& openPitches, int frets);
+
 }  // namespace plectaro

@@ -298,6 +298,46 @@ TEST(ScaleKeys, NotesFollowKeyOctaveAndDirection) {
   EXPECT_EQ(ScaleNotes(s, 0, false, true).size(), 4u);
 }
 
+TEST(ScaleKeys, TheScaleListShowsTheWholeNeckInTheTracksTuning) {
+  // E minor pentatonic as stored (E G A B D), string 1 first.
+  const ScaleData pentatonic = ScaleFromDigits({"03", "03", "02", "02", "02", "03"}, "");
+  const ScaleData none = ScaleFromDigits({"9", "9", "9", "9", "9", "9"}, "");
+  const std::vector<int> standard = {64, 59, 55, 50, 45, 40};
+  std::vector<int> dropD = standard;
+  dropD[5] = 38;
+  struct Case {
+    const char* what;
+    const ScaleData& scale;
+    int keyItem;
+    const std::vector<int>& tuning;
+    std::vector<int> lowStringFrets;  // frets 0..12 on string 6
+    std::vector<int> lowStringRoots;  // of all 24
+  };
+  const Case cases[] = {
+      {"A minor pentatonic, standard", pentatonic, 0, standard, {0, 3, 5, 8, 10, 12}, {5, 17}},
+      {"E, as stored", pentatonic, 7, standard, {0, 3, 5, 7, 10, 12}, {0, 12, 24}},
+      {"D minor pentatonic in Drop D", pentatonic, 5, dropD, {0, 3, 5, 7, 10, 12}, {0, 12, 24}},
+      {"a scale of no notes", none, 0, standard, {}, {}},
+  };
+  for (const Case& c : cases) {
+    const auto dots = ScaleOnNeck(c.scale, ScaleKeyOffset(c.keyItem), c.tuning, 24);
+    std::vector<int> frets, roots;
+    for (const NeckDot& d : dots) {
+      ASSERT_LT(d.string, 6) << c.what;
+      ASSERT_LE(d.fret, 24) << c.what;
+      if (d.string != 5) continue;
+      if (d.fret <= 12) frets.push_back(d.fret);
+      if (d.root) roots.push_back(d.fret);
+    }
+    EXPECT_EQ(frets, c.lowStringFrets) << c.what;
+    EXPECT_EQ(roots, c.lowStringRoots) << c.what;
+    // Five notes an octave on each of six strings, over 25 frets: 10 or 11 a string.
+    if (!c.lowStringFrets.empty()) {
+      EXPECT_GE(dots.size(), 60u) << c.what;
+    }
+  }
+}
+
 TEST(ManagerGrid, ColumnsRowsScrollAndHits) {
   const CellGeometry chart = ChordCellGeometry(1);
   EXPECT_EQ(chart.cellWidth, 100);

@@ -2,7 +2,9 @@
 // adding a chord or scale at the cursor (and undoing it), restore, the key menu.
 #include <QAction>
 #include <QApplication>
+#include <QLabel>
 #include <QLineEdit>
+#include <fstream>
 #include <QMenuBar>
 #include <gtest/gtest.h>
 
@@ -10,7 +12,11 @@
 #include "reference/ui/chord_editor.h"
 #include "reference/ui/chord_manager.h"
 #include "reference/ui/scale_editor.h"
+#include "reference/ui/scale_list.h"
 #include "reference/ui/scale_manager.h"
+#include "reference/ui/tuning_loader.h"
+#include "reference/place_commands.h"
+#include "score/value_text.h"
 
 namespace plectaro {
 namespace {
@@ -127,6 +133,106 @@ TEST_F(Managers, ChordEditorSavesAskingBeforeItReplaces) {
   EXPECT_TRUE(e->saveChord());
   EXPECT_EQ(LoadChordFile(env.data, "A m7 high").Frets[3], "3");
   EXPECT_NE(indexOf(m.chords(), "A m7 high"), -1);
+}
+
+TEST_F(Managers, ChordEditorKeepsFretsRelativeToTheStartFret) {
+  // The editor shows absolute frets; the record (and file) keeps them relative to StartFret.
+  struct Case {
+    int16_t startFret;
+    std::array<std::string, kChordStrings> frets;  // as stored
+    std::vector<QString> shown;                    // the boxes of strings 1..6
+  };
+  const Case cases[] = {
+      {0, {"0", "1", "0", "2", "3", "x", ""}, {"0", "1", "0", "2", "3", "x"}},
+      {4, {"1", "1", "2", "3", "3", "x", ""}, {"5", "5", "6", "7", "7", "x"}},
+      {7, {"0", "", "2", "x", "5", "", ""}, {"7", "", "9", "x", "12", ""}},
+  };
+  ChordEditor e(env);
+  for (const Case& c : cases) {
+    ChordData chord;
+    chord.StartFret = c.startFret;
+    chord.Frets = c.frets;
+    chord.Tuning = kLibraryTuning;
+    e.setChord("Test", chord);
+    for (size_t i = 0; i < c.shown.size(); ++i)
+      EXPECT_EQ(e.findChild<QLineEdit*>(QString("txtFret%1").arg(i))->text(), c.shown[i]) << c.startFret << " " << i;
+    ChordData back;
+    std::string error;
+    ASSERT_TRUE(e.chord(back, error)) << error;
+    EXPECT_EQ(back, chord) << c.startFret;
+    // Saved and read again, the blanks come back as the single blank of the file.
+    SaveChordFile(env.data, "Test", back);
+    const ChordData loaded = LoadChordFile(env.data, "Test");
+    for (size_t i = 0; i < kChordStrings; ++i) EXPECT_EQ(Trim(loaded.Frets[i]), c.frets[i]);
+    EXPECT_EQ(loaded.StartFret, c.startFret);
+  }
+  // A fret below the start fret or more than five above it does not fit the chart.
+  ChordData wide;
+  wide.StartFret = 4;
+  wide.Frets = {"1", "1", "2", "3", "3", "x", ""};
+  e.setChord("Wide", wide);
+  e.findChild<QLineEdit*>("txtFret0")->setText("0");
+  ChordData back;
+  std::string error;
+  EXPECT_FALSE(e.chord(back, error));
+  EXPECT_EQ(error, "str_InvalidChordRange");
+}
+
+TEST_F(Managers, ChordNotesKeepMutedStringsAsDeadNotes) {
+  ChordData c;
+  c.StartFret = 2;
+  c.Frets = {"1", "x", " ", "0", "", "x", ""};
+  ASSERT_TRUE(AddChordAsNotes(edit, c));
+  const Beat& b = doc.score.beat(0, 0, 0);
+  const std::vector<std::string> frets = {b.Notes[0].Fret, b.Notes[1].Fret, b.Notes[2].Fret,
+                                          b.Notes[3].Fret, b.Notes[4].Fret, b.Notes[5].Fret};
+  EXPECT_EQ(frets, (std::vector<std::string>{"3", "x", "", "2", "", "x"}));
+}
+
+TEST_F(Managers, TheTuningPickerSetsTheEditorsStrings) {
+  ChordEditor chords(env);
+  ScaleEditor scales(env);
+  TuningLibrary library(env.data);
+  library.createAll();
+  const TuningData openG = library.load("Open G");
+  const TuningData nashville = library.load("Nashville");
+  ShowTuning(openG, chords.tuningBoxes());
+  ShowTuning(nashville, scales.tuningBoxes());
+  ChordData c;
+  std::string error;
+  ASSERT_TRUE(chords.chord(c, error));
+  const ScaleData s = scales.scale();
+  for (int string = 1; string <= 6; ++string) {
+    const auto i = static_cast<size_t>(string - 1);
+    EXPECT_EQ(c.Tuning[i], openG.pitch(string)) << string;
+    EXPECT_EQ(s.Tuning[i], nashville.pitch(string)) << string;
+  }
+  EXPECT_EQ(c.NumStrings, 6);
+  // Strings 6 to 3 of Nashville sound an octave up.
+  EXPECT_EQ(s.Tuning[5], 52);
+}
+
+TEST_F(Managers, TheScaleListFillsAtStartAndAgainAfterChanges) {
+  std::vector<int> strings = {64, 59, 55, 50, 45, 40};
+  ScaleListPanel list(env, [&] { return strings; });
+  EXPECT_EQ(list.scales().size(), 38);  // the library is written on first use
+  list.choose("Basic Pentatonic", 0);  // A
+  ASSERT_FALSE(list.dots().empty());
+  const auto inA = list.dots();
+  // The chosen scale and key come back in a new list.
+  ScaleListPanel again(env, [&] { return strings; });
+  EXPECT_EQ(again.dots(), inA);
+  // Another tuning moves the dots once the list is told.
+  strings[5] = 38;
+  list.refresh();
+  EXPECT_NE(list.dots(), inA);
+  // A deleted scale goes at the next fill; a damaged one is named and shows nothing.
+  std::filesystem::remove(ScaleFolder(env.data) / "Arabian");
+  { std::ofstream(ScaleFolder(env.data) / "Basic Pentatonic", std::ios::trunc) << " 6 \r\n1\r\n"; }
+  list.PopulateScaleList();
+  EXPECT_EQ(list.scales().size(), 37);
+  EXPECT_TRUE(list.dots().empty());
+  EXPECT_FALSE(list.findChild<QLabel*>("lblStatus")->text().isEmpty());
 }
 
 TEST_F(Managers, RestoreChordsPutsTheLibraryBack) {

@@ -12,7 +12,9 @@
 #include "reference/ui/chord_editor.h"
 #include "reference/ui/chord_manager.h"
 #include "reference/ui/scale_editor.h"
+#include "reference/ui/scale_list.h"
 #include "reference/ui/scale_manager.h"
+#include "reference/ui/tuning_loader.h"
 #include "rendering/draw_document.h"
 #include "rendering/qt/qt_surface.h"
 
@@ -70,6 +72,19 @@ int main(int argc, char** argv) {
   barre.Fingers = {1, 1, 2, 4, 3, 0, 0};
   chords.editor()->setChord("C# m7 (barre)", barre);
   shoot(*chords.editor(), "chord_editor");
+  TuningLibrary tunings(env.data);
+  tunings.createAll();
+  ShowTuning(tunings.load("Open G"), chords.editor()->tuningBoxes());
+  shoot(*chords.editor(), "chord_editor_open_g");
+  TuningLoader picker(tunings, env.languageFile);
+  shoot(picker, "tuning_loader");
+  {
+    std::vector<int> dropD = {64, 59, 55, 50, 45, 38};
+    ScaleListPanel list(env, [&] { return dropD; });
+    list.choose("Basic Pentatonic", 5);  // D
+    list.resize(list.sizeHint());
+    shoot(list, "scale_list_d_drop_d");
+  }
   scales.selectScale(0);
   shoot(*scales.editor(), "scale_editor");
 

@@ -9,7 +9,15 @@
 #include <cstdio>
 #include <filesystem>
 
+#include <QAction>
+#include <QImage>
+#include <QPainter>
+
+#include "editing/edit_context.h"
 #include "playback/recording_out.h"
+#include "rendering/draw_document.h"
+#include "rendering/qt/qt_surface.h"
+#include "score/document.h"
 #include "score/settings_store.h"
 #include "shell/language.h"
 #include "shell/prompter.h"
@@ -17,6 +25,7 @@
 #include "tools/ui/drum_machine_window.h"
 #include "tools/ui/metronome_window.h"
 #include "tools/ui/trainer_window.h"
+#include "reference/ui/tuning_loader.h"
 #include "tools/ui/tuner_window.h"
 
 namespace {
@@ -66,6 +75,29 @@ int main(int argc, char** argv) {
   shoot(drums, out + "/drum_machine.png");
   drums.stopPlay();
 
+  // The pattern into a new drum track of a score, the page of that track, and the track read
+  // back into an emptied grid.
+  plectaro::Document doc;
+  plectaro::EditContext edit(doc, prompter);
+  edit.hooks.passwordCorrect = [] { return true; };
+  env.editor = &edit;
+  plectaro::DrumMachineWindow fromScore(env);
+  fromScore.machine().pattern = drums.machine().pattern;
+  fromScore.findChild<QAction*>("mnuAdd")->trigger();
+  {
+    QImage page(1000, 700, QImage::Format_ARGB32);
+    page.fill(Qt::white);
+    QPainter p(&page);
+    p.setRenderHint(QPainter::Antialiasing);
+    plectaro::QtSurface surface(p);
+    plectaro::RenderPage(doc, doc.CursorTrack, 0, plectaro::LayoutSettings{}, plectaro::DrawTexts{}, surface);
+    p.end();
+    page.save(out + "/drum_track_page.png");
+  }
+  fromScore.NewFile();
+  fromScore.findChild<QAction*>("mnuLoad")->trigger();
+  shoot(fromScore, out + "/drum_machine_loaded.png");
+
   plectaro::MetronomeWindow metronome(env);
   metronome.file().Sets = {{4, 4, 80, 40}, {4, 4, 100, 50}, {3, 4, 80, 40}, {3, 4, 100, 50}, {6, 8, 120, 8}};
   metronome.selectSet(0);
@@ -94,7 +126,7 @@ int main(int argc, char** argv) {
   wait(1200);
   shoot(tuner, out + "/tuner.png");
   tuner.Command3_Click();
-  plectaro::TuningLoader loader(tuner.library());
+  plectaro::TuningLoader loader(tuner.library(), env.languageFile);
   shoot(loader, out + "/tuning_loader.png");
   std::printf("%zu MIDI messages\n", midi.messages.size());
   fs::remove_all(data);

@@ -13,6 +13,8 @@
 #include <gtest/gtest.h>
 
 #include "playback/recording_out.h"
+#include "editing/edit_context.h"
+#include "score/document.h"
 #include "score/settings_store.h"
 #include "shell/language.h"
 #include "shell/prompter.h"
@@ -82,6 +84,28 @@ TEST_F(ToolWindowsTest, DrumGridClicksDragsAndRangeEdits) {
   EXPECT_TRUE(w.windowTitle().endsWith("[Untitled] *"));
   prompter.push(Answer::No);  // closing asks about the unsaved beat
   w.close();
+}
+
+TEST_F(ToolWindowsTest, DrumPatternGoesIntoTheScoreAndComesBack) {
+  Document doc;
+  EditContext edit(doc, prompter);
+  env.editor = &edit;
+  DrumMachineWindow w(env);
+  auto* grid = w.findChild<DrumGrid*>("picDocument");
+  QTest::mouseClick(grid, Qt::LeftButton, {}, Cell(0, 15));
+  QTest::mouseClick(grid, Qt::LeftButton, {}, Cell(4, 11));
+  w.findChild<QAction*>("mnuAdd")->trigger();
+  ASSERT_EQ(doc.score.Tracks.size(), 2u);
+  EXPECT_TRUE(doc.score.Tracks[1].DrumTrack);
+  EXPECT_EQ(doc.score.Tracks[1].Name, "Drums");
+  w.machine().dirty = false;
+  w.NewFile();
+  EXPECT_FALSE(w.machine().pattern.cell(4, 11));
+  w.findChild<QAction*>("mnuLoad")->trigger();
+  EXPECT_TRUE(w.machine().pattern.cell(0, 15));
+  EXPECT_TRUE(w.machine().pattern.cell(4, 11));
+  EXPECT_EQ(w.machine().pattern.steps(), 32);
+  EXPECT_FALSE(w.machine().dirty);
 }
 
 TEST_F(ToolWindowsTest, GeneratorAsksAndReplacesTheBeat) {

@@ -14,7 +14,9 @@
 #include "reference/cell_drawing.h"
 #include "reference/note_names.h"
 #include "reference/place_commands.h"
+#include "reference/ui/tuning_loader.h"
 #include "reference/ui/view_menu.h"
+#include "shell/ui/language_ui.h"
 #include "score/value_text.h"
 
 namespace plectaro {
@@ -31,7 +33,8 @@ bool isFret(const QString& t) {
 
 ChordEditor::ChordEditor(ReferenceEnv& env, QWidget* parent) : QDialog(parent), env_(env) {
   setObjectName("frmChordEditor");
-  setWindowTitle(env_.caption("Caption", "Chord Editor"));
+  // The title comes from the window's section of the language file (English when none).
+  LoadLanguage(this, env_.languageFile);
   auto* top = new QFormLayout;
   txtName_ = new QLineEdit(this);
   txtName_->setObjectName("txtName");
@@ -90,7 +93,10 @@ ChordEditor::ChordEditor(ReferenceEnv& env, QWidget* parent) : QDialog(parent), 
   play->setObjectName("cmdPlay");
   auto* save = buttons->addButton(env_.caption("cmdSave", "&Save"), QDialogButtonBox::ActionRole);
   save->setObjectName("cmdSave");
+  auto* loadTuning = buttons->addButton(env_.caption("cmdLoadTuning", "Load &Tuning..."), QDialogButtonBox::ActionRole);
+  loadTuning->setObjectName("cmdLoadTuning");
   buttons->addButton(QDialogButtonBox::Close);
+  connect(loadTuning, &QPushButton::clicked, this, [this] { PickTuning(this, env_.data, env_.languageFile, tuningBoxes()); });
   connect(play, &QPushButton::clicked, this, [this] { PlayChordOnce(); });
   connect(save, &QPushButton::clicked, this, [this] { saveChord(); });
   connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::hide);
@@ -148,7 +154,11 @@ bool ChordEditor::chord(ChordData& c, std::string& error) const {
     c.Fingers[idx] = static_cast<int16_t>(std::max(0, cmbFinger_[idx]->currentIndex()));
     if (i >= c.NumStrings) continue;
     const QString t = txtFret_[idx]->text().trimmed();
-    if (t.isEmpty() || t.compare("x", Qt::CaseInsensitive) == 0) {
+    if (t.isEmpty()) {
+      // An empty box is a string the chord leaves alone: the file keeps it blank, and the chart
+      // draws nothing there. Typing "x" marks it muted, with an X on the chart.
+      c.Frets[idx] = "";
+    } else if (t.compare("x", Qt::CaseInsensitive) == 0) {
       c.Frets[idx] = "x";
     } else if (isFret(t)) {
       // The file keeps frets relative to the chart's first fret; a chart shows five frets.

@@ -8,6 +8,7 @@
 
 #include "reference/chords.h"
 #include "reference/ui/reference_env.h"
+#include "reference/ui/tuning_loader.h"
 
 class QCheckBox;
 class QComboBox;
@@ -31,6 +32,8 @@ class ChordEditor : public QDialog {
   void PlayChordOnce();
   // Saves under the name in the field, asking before it replaces a chord. True when saved.
   bool saveChord();
+  // The string-count and tuning boxes, for the tuning picker.
+  TuningBoxes tuningBoxes() const { return {cmbStrings_, cmbTuning_}; }
 
  signals:
   void saved(const QString& name);

@@ -16,6 +16,7 @@
 #include "reference/ui/chord_editor.h"
 #include "reference/ui/library_view.h"
 #include "reference/ui/view_menu.h"
+#include "shell/ui/language_ui.h"
 
 namespace plectaro {
 
@@ -29,7 +30,8 @@ const std::array<const char*, kViewTypes> kViewNames = {"&Notation Only", "&Chor
 ChordManager::ChordManager(ReferenceEnv& env, EditContext* edit, QWidget* parent)
     : QWidget(parent), env_(env), edit_(edit) {
   setObjectName("frmChordManager");
-  setWindowTitle(env_.caption("Caption", "Chord Manager"));
+  // The title comes from the window's section of the language file (English when none).
+  LoadLanguage(this, env_.languageFile);
   editor_ = new ChordEditor(env_, this);
   connect(editor_, &ChordEditor::saved, this, [this](const QString& name) {
     RefreshFilter();

@@ -17,6 +17,7 @@ namespace plectaro {
 
 struct ReferenceEnv {
   std::filesystem::path data;        // <app>/Data
+  std::filesystem::path languageFile;  // CurrentLanguage.txt, for the windows' titles
   Prompter* prompter = nullptr;
   SettingsStore* settings = nullptr;
   TextLookup text;                   // str_... keys of the interface language

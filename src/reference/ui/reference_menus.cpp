@@ -3,8 +3,10 @@
 #include <QAction>
 #include <QCoreApplication>
 #include <QDockWidget>
+#include <QMenu>
 
 #include "reference/ui/chord_manager.h"
+#include "reference/ui/scale_list.h"
 #include "reference/ui/scale_manager.h"
 #include "score/value_text.h"
 #include "shell/session.h"
@@ -16,6 +18,7 @@ namespace plectaro {
 ReferenceWindows::ReferenceWindows(MainWindow& window, Session& session, EditContext* edit)
     : QObject(&window), window_(window), session_(session), edit_(edit) {
   env_.data = session.folder().data();
+  env_.languageFile = session.languageFile();
   env_.prompter = &session.prompter();
   env_.settings = &session.settings();
   env_.text = [&session](std::string_view key) { return session.messages().str(key); };
@@ -41,6 +44,41 @@ ReferenceWindows::ReferenceWindows(MainWindow& window, Session& session, EditCon
     a->setEnabled(true);
     connect(a, &QAction::triggered, this, run);
   }
+  makeScaleList();
+}
+
+void ReferenceWindows::makeScaleList() {
+  // The open strings of the track being edited; a drum track has none to show, so the neck
+  // then shows a guitar in standard tuning.
+  auto openPitches = [this] {
+    const Document& d = session_.doc();
+    std::vector<int> pitches;
+    const Track* t = d.CursorTrack >= 0 && d.CursorTrack <= d.score.LastTrack()
+                         ? &d.score.Tracks[static_cast<size_t>(d.CursorTrack)] : nullptr;
+    const int n = t && !t->DrumTrack ? std::clamp<int>(t->Tuning.NumStrings, 1, kMaxStrings) : 6;
+    for (int s = 0; s < n; ++s)
+      pitches.push_back(GetStringPitch(s) + (t && !t->DrumTrack ? t->Tuning.Offset[static_cast<size_t>(s)] : 0));
+    return pitches;
+  };
+  scaleList_ = new ScaleListPanel(env_, openPitches);
+  env_.populateScaleList = [this] { scaleList_->PopulateScaleList(); };
+  scaleListDock_ = new QDockWidget(env_.caption("str_ScaleList", "Scale List"), &window_);
+  scaleListDock_->setObjectName("dockScaleList");
+  scaleListDock_->setWidget(scaleList_);
+  window_.addDockWidget(Qt::BottomDockWidgetArea, scaleListDock_);
+  SettingsStore& s = session_.settings();
+  scaleListDock_->setVisible(s.GetSetting("ScaleListDetails", "Visible", "0") == "1");
+  QAction* toggle = scaleListDock_->toggleViewAction();
+  toggle->setObjectName("mnuViewScaleList");
+  toggle->setText("&Scale List");
+  if (auto* view = window_.findChild<QMenu*>("mnuView")) view->addAction(toggle);
+  connect(toggle, &QAction::toggled, this, [this](bool on) {
+    session_.settings().SaveSetting("ScaleListDetails", "Visible", on ? "1" : "0");
+    if (on) scaleList_->refresh();
+  });
+  connect(window_.view(), &DocumentView::drawn, scaleList_, [this] {
+    if (scaleListDock_->isVisible()) scaleList_->refresh();
+  });
 }
 
 ReferenceWindows::~ReferenceWindows() = default;

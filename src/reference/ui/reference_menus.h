@@ -14,6 +14,7 @@ namespace plectaro {
 
 class ChordManager;
 class MainWindow;
+class ScaleListPanel;
 class ScaleManager;
 class Session;
 
@@ -32,12 +33,15 @@ class ReferenceWindows : public QObject {
   void showScaleManager();
   QDockWidget* chordDock() const { return chordDock_; }
   QDockWidget* scaleDock() const { return scaleDock_; }
+  // The main window's scale list (View > Scale List).
+  ScaleListPanel* scaleList() const { return scaleList_; }
   // Dock side of a manager: 0 floating, 1 above, 2 below, 3 left, 4 right.
   void dock(QDockWidget* dock, int side);
 
  private:
   QDockWidget* makeDock(QWidget* content, const char* name, const char* settingsSection);
   void saveDock(QDockWidget* dock, const char* settingsSection) const;
+  void makeScaleList();
 
   MainWindow& window_;
   Session& session_;
@@ -47,6 +51,8 @@ class ReferenceWindows : public QObject {
   ScaleManager* scales_ = nullptr;
   QDockWidget* chordDock_ = nullptr;
   QDockWidget* scaleDock_ = nullptr;
+  ScaleListPanel* scaleList_ = nullptr;
+  QDockWidget* scaleListDock_ = nullptr;
 };
 
 }  // namespace plectaro

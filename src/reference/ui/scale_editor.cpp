@@ -13,13 +13,16 @@
 #include <QVBoxLayout>
 
 #include "reference/note_names.h"
+#include "reference/ui/tuning_loader.h"
 #include "reference/ui/view_menu.h"
+#include "shell/ui/language_ui.h"
 
 namespace plectaro {
 
 ScaleEditor::ScaleEditor(ReferenceEnv& env, QWidget* parent) : QDialog(parent), env_(env) {
   setObjectName("frmScaleEditor");
-  setWindowTitle(env_.caption("Caption", "Scale Editor"));
+  // The title comes from the window's section of the language file (English when none).
+  LoadLanguage(this, env_.languageFile);
   auto* form = new QFormLayout;
   txtName_ = new QLineEdit(this);
   txtName_->setObjectName("txtName");
@@ -76,6 +79,9 @@ ScaleEditor::ScaleEditor(ReferenceEnv& env, QWidget* parent) : QDialog(parent), 
   stopButton->setObjectName("cmdStop");
   auto* saveButton = buttons->addButton(env_.caption("cmdSave", "&Save"), QDialogButtonBox::ActionRole);
   saveButton->setObjectName("cmdSave");
+  auto* loadTuning = buttons->addButton(env_.caption("cmdLoadTuning", "Load &Tuning..."), QDialogButtonBox::ActionRole);
+  loadTuning->setObjectName("cmdLoadTuning");
+  connect(loadTuning, &QPushButton::clicked, this, [this] { PickTuning(this, env_.data, env_.languageFile, tuningBoxes()); });
   buttons->addButton(QDialogButtonBox::Close);
   connect(playButton, &QPushButton::clicked, this, [this] { play(); });
   connect(stopButton, &QPushButton::clicked, this, [this] { stop(); });

@@ -9,6 +9,7 @@
 
 #include "reference/cell_drawing.h"
 #include "reference/ui/reference_env.h"
+#include "reference/ui/tuning_loader.h"
 
 class QCheckBox;
 class QComboBox;
@@ -32,6 +33,8 @@ class ScaleEditor : public QDialog {
   void stop();
   bool playing() const;
   bool saveScale();
+  // The string-count and tuning boxes, for the tuning picker.
+  TuningBoxes tuningBoxes() const { return {cmbStrings_, cmbTuning_}; }
   // Time between two notes of the play, in milliseconds.
   static constexpr int kNoteInterval = 280;
 

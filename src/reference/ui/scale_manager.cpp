@@ -14,6 +14,7 @@
 #include "reference/place_commands.h"
 #include "reference/ui/library_view.h"
 #include "reference/ui/view_menu.h"
+#include "shell/ui/language_ui.h"
 #include "reference/ui/scale_editor.h"
 
 namespace plectaro {
@@ -28,7 +29,8 @@ const std::array<const char*, kViewTypes> kViewNames = {"&Notation Only", "&Char
 ScaleManager::ScaleManager(ReferenceEnv& env, EditContext* edit, QWidget* parent)
     : QWidget(parent), env_(env), edit_(edit) {
   setObjectName("frmScaleManager");
-  setWindowTitle(env_.caption("Caption", "Scale Manager"));
+  // The title comes from the window's section of the language file (English when none).
+  LoadLanguage(this, env_.languageFile);
   editor_ = new ScaleEditor(env_, this);
   connect(editor_, &ScaleEditor::saved, this, [this] { RefreshFilter(); });
 

@@ -20,6 +20,7 @@
 #include "score/file_io.h"
 #include "shell/ui/language_ui.h"
 #include "tools/drum_midi.h"
+#include "tools/drum_score.h"
 #include "tools/record_text.h"
 
 namespace plectaro {
@@ -324,6 +325,16 @@ void DrumMachineWindow::buildMenus() {
   file->addAction("&Batch Import Old Drumbeats...", this, [this] { batchImport(); })->setObjectName("mnuBatchImport");
   file->addAction("&Export to MIDI File...", this, [this] { exportMidi(); })->setObjectName("mnuFileExport2");
   file->addSeparator();
+  // The open score: a drum track into the grid, the grid into a new track or over this one.
+  QAction* load = file->addAction("&Load from the Current Drum Track", this, [this] { loadFromScore(); });
+  load->setObjectName("mnuLoad");
+  QAction* add = file->addAction(env_.str("str_AddtoMusicFile"), this, [this] { addToScore(false); });
+  add->setObjectName("mnuAdd");
+  QAction* over = file->addAction(env_.str("str_AddtoMusicFile") + " (Overwrite This Track)", this,
+                                  [this] { addToScore(true); });
+  over->setObjectName("mnuOver");
+  for (QAction* a : {load, add, over}) a->setEnabled(env_.editor != nullptr);
+  file->addSeparator();
   file->addAction("&Close", this, [this] { close(); })->setObjectName("mnuClose");
 
   QMenu* edit = menuBar()->addMenu("&Edit");
@@ -481,7 +492,9 @@ void DrumMachineWindow::importOld() {
 
 void DrumMachineWindow::batchImport() {
   // frm_BatchDrumImport: every old file of a folder becomes a .p4d beside it.
-  const QString dir = QFileDialog::getExistingDirectory(this, "Batch Drum Import");
+  std::string caption = env_.messages.text("frm_BatchDrumImport", "Caption");
+  if (caption.empty()) caption = "Batch Drum Import";
+  const QString dir = QFileDialog::getExistingDirectory(this, QString::fromStdString(caption));
   if (dir.isEmpty()) return;
   int done = 0, failed = 0;
   for (const QString& name : QDir(dir).entryList({"*.pld", "*.PLD"}, QDir::Files)) {
@@ -493,7 +506,7 @@ void DrumMachineWindow::batchImport() {
     }
   }
   env_.prompter.message(std::to_string(done) + " converted, " + std::to_string(failed) + " could not be read.",
-                        "Batch Drum Import", MessageIcon::Information);
+                        caption, MessageIcon::Information);
 }
 
 void DrumMachineWindow::exportMidi() {
@@ -506,6 +519,32 @@ void DrumMachineWindow::exportMidi() {
   } catch (const std::exception& e) {
     env_.prompter.message(env_.text("str_FileError") + " " + e.what(), env_.text("str_DrumMachine"), MessageIcon::Critical);
   }
+}
+
+void DrumMachineWindow::loadFromScore() {
+  if (!env_.editor || !askSave()) return;
+  auto p = LoadPatternFromScore(*env_.editor);
+  if (!p) return;
+  stopPlay();
+  machine_.pattern = std::move(*p);
+  // The track is the pattern's home: an untitled pattern, clean until it is edited.
+  machine_.fileName.clear();
+  machine_.dirty = false;
+  machine_.clearSelection();
+  patternReplaced();
+}
+
+void DrumMachineWindow::addToScore(bool overwrite) {
+  if (!env_.editor) return;
+  // A new track is named after the pattern's file, or plainly "Drums" while it has none.
+  const std::string stem = std::filesystem::path(machine_.fileName).stem().string();
+  const DrumScoreResult r = overwrite ? OverwriteTrackWithPattern(*env_.editor, machine_.pattern)
+                                      : AddPatternAsTrack(*env_.editor, machine_.pattern, stem.empty() ? "Drums" : stem);
+  if (r.done && r.lostHits > 0)
+    env_.prompter.message(std::to_string(r.lostHits) +
+                              " hits were left out: a drum track strikes one drum per line at a time, and this "
+                              "pattern strikes more drums at once than the track has lines.",
+                          env_.text("str_DrumMachine"), MessageIcon::Warning);
 }
 
 void DrumMachineWindow::closeEvent(QCloseEvent* e) {

@@ -88,6 +88,8 @@ class DrumMachineWindow : public QMainWindow {
   void importOld();
   void batchImport();
   void exportMidi();
+  void loadFromScore();  // mnuLoad_Click
+  void addToScore(bool overwrite);  // mnuAdd_Click, mnuOver_Click
   void report(const std::string& key);
 
   ToolEnv& env_;

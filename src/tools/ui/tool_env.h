@@ -16,6 +16,8 @@
 
 namespace plectaro {
 
+class EditContext;
+
 struct ToolEnv {
   MidiOut& midi;
   SettingsStore& settings;
@@ -25,6 +27,9 @@ struct ToolEnv {
   std::filesystem::path languageFile; // CurrentLanguage.txt, for the windows' captions
   int outputBank = 0;
   QtPlaybackClock clock;
+  // The editor of the open score, for the tools that read or write it (the Drum Machine's
+  // track commands); null when the program runs without one, and those items stay grey.
+  EditContext* editor = nullptr;
 
   QString str(std::string_view key) const { return QString::fromStdString(messages.str(key)); }
   const std::string& text(std::string_view key) const { return messages.str(key); }

@@ -274,29 +274,4 @@ void TunerWindow::closeEvent(QCloseEvent* e) {
   e->accept();
 }
 
-TuningLoader::TuningLoader(const TuningLibrary& library, QWidget* parent) : QDialog(parent) {
-  setObjectName("frmTuningLoader");
-  setWindowTitle("Load a Tuning");
-  auto* box = new QVBoxLayout(this);
-  list_ = new QListWidget;
-  list_->setObjectName("lstTunings");
-  for (const std::string& n : library.names()) list_->addItem(QString::fromStdString(n));
-  box->addWidget(list_);
-  auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
-  box->addWidget(buttons);
-  const TuningLibrary* lib = &library;
-  auto take = [this, lib] {
-    if (!list_->currentItem()) return;
-    try {
-      chosen = lib->load(list_->currentItem()->text().toStdString());
-      accept();
-    } catch (const TuningError&) {
-      chosen.reset();
-    }
-  };
-  connect(buttons, &QDialogButtonBox::accepted, this, take);
-  connect(list_, &QListWidget::itemDoubleClicked, this, take);
-  connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
-}
-
 }  // namespace plectaro

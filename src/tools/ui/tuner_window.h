@@ -1,6 +1,6 @@
 // frmGuitarTuner: the tuning library on the left, the chosen tuning's strings and the play
 // settings on the right. Play sounds the checked open strings stroke after stroke so the
-// player can tune by ear. frmTuningLoader is the small picker other editors load a tuning with.
+// player can tune by ear.
 #pragma once
 
 #include <QDialog>
@@ -61,18 +61,6 @@ class TunerWindow : public QMainWindow {
   ToolEnv& env_;
   TuningLibrary library_;
   std::unique_ptr<TunerPlayer> player_;
-};
-
-// Picks a tuning of the library; the Chord and Scale Editors open it to load one.
-class TuningLoader : public QDialog {
-  Q_OBJECT
- public:
-  TuningLoader(const TuningLibrary& library, QWidget* parent = nullptr);
-  // The chosen tuning after exec() returned Accepted.
-  std::optional<TuningData> chosen;
-
- private:
-  QListWidget* list_ = nullptr;
 };
 
 }  // namespace plectaro
