@@ -55,7 +55,11 @@ void ConnectRightMenu(const std::function<QAction*(const QString& name)>& find, 
   menu->setObjectName("picRightMenu");
   ctx.hooks.openRightMenu = [menu, find, view, &ctx](int x, int y) {
     FillRightMenu(menu, find, ctx);
-    if (!menu->isEmpty()) menu->popup(view->viewport()->mapToGlobal(QPoint(x, y)));
+    // The click arrives in page units; the view may be zoomed, so turn it back into pixels.
+    const QVariant zoom = view->property("zoom");
+    const double z = zoom.isValid() ? zoom.toDouble() : 1.0;
+    if (!menu->isEmpty())
+      menu->popup(view->viewport()->mapToGlobal(QPoint(qRound(x * z), qRound(y * z))));
   };
 }
 
