@@ -1,6 +1,7 @@
 // plectaro: the editor. The session brings the program up in its fixed order (language,
 // folders, settings, a new document, the command line's file, first-run defaults); then the
-// window shows. --print-startup-time reports the time to the first painted page and quits.
+// window shows. --print-startup-time reports the time to the first painted page, then the time
+// the sounds are ready and the memory in use, and quits.
 #include <QApplication>
 #include <QIcon>
 #include <QStatusBar>
@@ -169,9 +170,8 @@ int main(int argc, char** argv) {
   // Fretboard and piano panels, Find and Replace, zoom, and the speed trainer.
   plectaro::WirePractice(window, session, edit, &player);
 #endif
-  if (!cmd.printStartupTime)
-    QObject::connect(window.view(), &plectaro::DocumentView::firstPainted, sound,
-                     [sound] { QTimer::singleShot(0, sound, [sound] { sound->loadDevice(); }); });
+  QObject::connect(window.view(), &plectaro::DocumentView::firstPainted, sound,
+                   [sound] { QTimer::singleShot(0, sound, [sound] { sound->loadDevice(); }); });
 #ifdef PLECTARO_HAVE_TOOLS
   // The practice tools of the Tools menu share the player's output device.
   // They end before the player, whose output they use.
@@ -202,17 +202,24 @@ int main(int argc, char** argv) {
   plectaro::WireExports(window, session);
 #endif
   if (cmd.printStartupTime) {
-    QObject::connect(window.view(), &plectaro::DocumentView::firstPainted, &app, [&] {
-      const double ms = std::chrono::duration<double, std::milli>(
-                            std::chrono::steady_clock::now() - kProcessStart)
+    // The time to the first page; then, once the sounds have loaded in the background (or
+    // could not), that time and the memory of the editor as it runs, synthesizer included.
+    auto report = [&app](const char* key, bool last) {
+      const double ms = std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - kProcessStart)
                             .count();
-      std::printf("startup_ms %.1f\n", ms);
-      // Memory beside the time: resident now, and the most it has been.
-      std::printf("memory_mb %.1f\npeak_memory_mb %.1f\n", statusMegabytes("VmRSS:"), statusMegabytes("VmHWM:"));
+      std::printf("%s %.1f\n", key, ms);
+      if (last) std::printf("memory_mb %.1f\npeak_memory_mb %.1f\n", statusMegabytes("VmRSS:"), statusMegabytes("VmHWM:"));
       std::fflush(stdout);
       // Leave without the shutdown's settings write: a timing run changes nothing.
-      QTimer::singleShot(0, &app, [] { std::_Exit(0); });
-    });
+      if (last) QTimer::singleShot(0, &app, [] { std::_Exit(0); });
+    };
+    bool withSound = false;
+#ifdef PLECTARO_HAVE_PLAYBACK
+    withSound = true;
+    QObject::connect(&player, &plectaro::Player::soundReady, &app, [report] { report("sound_ready_ms", true); });
+#endif
+    QObject::connect(window.view(), &plectaro::DocumentView::firstPainted, &app,
+                     [report, withSound] { report("startup_ms", !withSound); });
   }
   plectaro::StartAutosave(&window, session);
   window.show();

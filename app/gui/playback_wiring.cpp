@@ -73,6 +73,16 @@ PlaybackWiring::PlaybackWiring(MainWindow& window, Session& session, Player& pla
     window_.statusBar()->showMessage(QString::fromStdString(session_.messages().str("txt_NoSoundOutput")), 15000);
   });
 
+  // Play pressed while the sounds still load waits for them; the status bar says why nothing
+  // happens yet, and the line goes when the music starts.
+  connect(&player_, &Player::waitingForSound, this, [this] {
+    window_.statusBar()->showMessage(QString::fromStdString(session_.messages().str("txt_SoundsLoading")));
+  });
+  connect(&player_, &Player::soundReady, this, [this] {
+    if (window_.statusBar()->currentMessage() == QString::fromStdString(session_.messages().str("txt_SoundsLoading")))
+      window_.statusBar()->clearMessage();
+  });
+
 #ifdef PLECTARO_HAVE_EDITING
   if (edit) {
     edit->hooks.playChord = [this](int t, int b, int k) { player_.soundBeat(session_.doc().score, t, b, k); };

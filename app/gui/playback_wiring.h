@@ -17,8 +17,8 @@ class PlaybackWiring : public QObject {
   // `edit` may be null when the editor is not part of the build.
   PlaybackWiring(MainWindow& window, Session& session, Player& player, EditContext* edit);
 
-  // Opens the output device chosen in the settings; loading the SoundFont takes about half a
-  // second, so this runs once the window is up.
+  // Opens the output device chosen in the settings. The built-in synthesizer's SoundFont then
+  // loads in the background (Player::soundReady tells when); this runs once the window is up.
   void loadDevice();
 
  private:

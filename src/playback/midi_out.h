@@ -11,6 +11,7 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -48,6 +49,14 @@ class MidiOut {
   virtual std::vector<MidiDeviceInfo> devices() = 0;
   // Text for an error code, as specific as the backend can make it.
   virtual std::string errorText(int code) const;
+
+  // A device may need a while after openDevice to get ready: the built-in synthesizer reads its
+  // SoundFont on a worker thread. Meanwhile it counts as open, keeps what the channels are told
+  // and drops notes. True until that load has ended, well or not (isOpen() then says which).
+  virtual bool loading() const { return false; }
+  // Called once each time such a load ends, on the loading thread: it must only pass the news
+  // on, never block and never call back into the device. An empty function stops the calls.
+  virtual void setOnLoaded(std::function<void()> onLoaded) { (void)onLoaded; }
 
   // Why there is no sound, once: the first failure is kept until someone takes it, so the
   // program can say it one time instead of interrupting playback with dialogs.

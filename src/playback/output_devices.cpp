@@ -2,8 +2,8 @@
 
 namespace plectaro {
 
-OutputDevices::OutputDevices(std::string soundFont)
-    : synth_(std::make_unique<FluidSynthOut>(FluidSynthOut::Config{std::move(soundFont)})),
+OutputDevices::OutputDevices(std::string soundFont, bool background)
+    : synth_(std::make_unique<FluidSynthOut>(FluidSynthOut::Config{.SoundFont = std::move(soundFont), .Background = background})),
       ports_(std::make_unique<SequencerPortOut>()) {}
 
 OutputDevices::~OutputDevices() { closeDevice(); }
@@ -35,6 +35,11 @@ void OutputDevices::closeDevice() {
 }
 
 bool OutputDevices::isOpen() const { return current_ && current_->isOpen(); }
+
+bool OutputDevices::loading() const { return current_ && current_->loading(); }
+
+// Only the built-in synthesizer loads in the background.
+void OutputDevices::setOnLoaded(std::function<void()> onLoaded) { synth_->setOnLoaded(std::move(onLoaded)); }
 
 int OutputDevices::shortMsg(uint32_t word) { return current_ ? current_->shortMsg(word) : kMidiNotOpen; }
 

@@ -15,7 +15,9 @@ namespace plectaro {
 
 class OutputDevices : public MidiOut {
  public:
-  explicit OutputDevices(std::string soundFont);
+  // `background`: the built-in synthesizer reads its SoundFont on a worker thread (the editor);
+  // otherwise opening it waits for the font (the command line).
+  explicit OutputDevices(std::string soundFont, bool background = false);
   ~OutputDevices() override;
 
   int openDevice(int deviceNumber) override;
@@ -24,6 +26,8 @@ class OutputDevices : public MidiOut {
   int shortMsg(uint32_t word) override;
   std::vector<MidiDeviceInfo> devices() override;
   std::string errorText(int code) const override;
+  bool loading() const override;
+  void setOnLoaded(std::function<void()> onLoaded) override;
 
   static constexpr int kDefaultDevice = 0;
 

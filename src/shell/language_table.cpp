@@ -530,6 +530,7 @@ txt_RecoveryDamaged1=A recovery file is damaged and cannot be restored. It has b
 txt_RecoveryDamaged2='.
 mnuHelpGettingStarted=&Getting Started
 txt_NoSoundOutput=Playback is silent: no sound output could be opened.
+txt_SoundsLoading=Loading the sounds, please wait...
 @frmMetronome
 Caption=Metronome
 @frmMusicPaper

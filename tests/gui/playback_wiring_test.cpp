@@ -4,6 +4,7 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QStatusBar>
 #include <QWidget>
 #include <map>
 #include <memory>
@@ -21,6 +22,23 @@ extern "C" const char* __lsan_default_suppressions() { return "leak:libfontconfi
 
 namespace plectaro {
 namespace {
+
+// A recorder that can play a device whose sounds are still loading.
+class LoadingRecorder : public RecordingMidiOut {
+ public:
+  using RecordingMidiOut::RecordingMidiOut;
+  bool loading() const override { return loading_; }
+  void setOnLoaded(std::function<void()> fn) override { onLoaded_ = std::move(fn); }
+  void startLoading() { loading_ = true; }
+  void finishLoading() {
+    loading_ = false;
+    if (onLoaded_) onLoaded_();
+  }
+
+ private:
+  bool loading_ = false;
+  std::function<void()> onLoaded_;
+};
 
 class PlaybackWiringTest : public ::testing::Test {
  protected:
@@ -55,6 +73,11 @@ class PlaybackWiringTest : public ::testing::Test {
       QCoreApplication::processEvents();
     }
   }
+  int noteOns() const {
+    int n = 0;
+    for (const MidiMessage& m : out.messages) n += (m.Status & 0xF0) == 0x90 && m.Data2 > 0;
+    return n;
+  }
   // Notes still sounding: note-ons without a later note-off (or note-on at velocity 0).
   int sounding() const {
     std::map<std::pair<int, int>, int> open;
@@ -75,7 +98,7 @@ class PlaybackWiringTest : public ::testing::Test {
   testing::TempFolder home;
   ScriptedPrompter prompter;
   VirtualClock clock;
-  RecordingMidiOut out{[this] { return clock.nowMs(); }};
+  LoadingRecorder out{[this] { return clock.nowMs(); }};
   std::unique_ptr<Session> session;
   std::unique_ptr<MainWindow> window;
   std::unique_ptr<Player> player;
@@ -95,15 +118,65 @@ TEST_F(PlaybackWiringTest, PlayFollowsAndStopSilences) {
   EXPECT_GT(marker->height(), 0);
   EXPECT_GE(session->doc().CursorBar, 1);  // the cursor walks with the music
   EXPECT_TRUE(stop->isEnabled());
-  int noteOns = 0;
-  for (const MidiMessage& m : out.messages) noteOns += (m.Status & 0xF0) == 0x90 && m.Data2 > 0;
-  EXPECT_GT(noteOns, 20);
+  EXPECT_GT(noteOns(), 20);
 
   stop->trigger();
   QCoreApplication::processEvents();
   EXPECT_FALSE(marker->isVisible());
   EXPECT_FALSE(player->isPlaying());
   EXPECT_EQ(sounding(), 0);
+}
+
+TEST_F(PlaybackWiringTest, PlayWaitsForTheSoundsAndStartsFromItsCount) {
+  QAction* play = window->action("mnuSoundPlayFromStart");
+  QAction* stop = window->action("mnuSoundStop");
+  const QString loadingText = QString::fromStdString(session->messages().str("txt_SoundsLoading"));
+  // The notes of three seconds of playing, timed from `start`.
+  auto notesFrom = [this](double start) {
+    std::vector<MidiMessage> notes;
+    for (MidiMessage m : out.messages) {
+      if ((m.Status & 0xF0) != 0x90) continue;
+      m.TimeMs -= start;
+      notes.push_back(m);
+    }
+    return notes;
+  };
+  const double directStart = clock.nowMs();
+  play->trigger();
+  run(3000);
+  stop->trigger();
+  const std::vector<MidiMessage> direct = notesFrom(directStart);
+  ASSERT_GT(direct.size(), 4u);
+
+  for (const bool stopWhileWaiting : {false, true}) {
+    SCOPED_TRACE(stopWhileWaiting ? "stopped while waiting" : "waited");
+    out.messages.clear();
+    out.startLoading();
+    play->trigger();
+    run(1000);
+    EXPECT_EQ(noteOns(), 0);  // nothing plays, and the music does not run on unheard
+    EXPECT_TRUE(player->isPlaying());
+    EXPECT_TRUE(stop->isEnabled());
+    EXPECT_EQ(window->statusBar()->currentMessage(), loadingText);
+    if (stopWhileWaiting) stop->trigger();
+
+    const double readyAt = clock.nowMs();
+    out.finishLoading();
+    QCoreApplication::processEvents();
+    EXPECT_NE(window->statusBar()->currentMessage(), loadingText);
+    run(3000);
+    if (stopWhileWaiting) {
+      EXPECT_EQ(noteOns(), 0);
+      EXPECT_FALSE(player->isPlaying());
+      EXPECT_FALSE(stop->isEnabled());
+      continue;
+    }
+    // Once the sounds are in, the song plays exactly as if Play had been pressed then: the
+    // count-in first, nothing of the first bar skipped.
+    stop->trigger();
+    EXPECT_EQ(notesFrom(readyAt), direct);
+    EXPECT_EQ(sounding(), 0);
+  }
 }
 
 }  // namespace

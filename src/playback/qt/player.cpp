@@ -25,7 +25,7 @@ PlayMarkerPos PlayMarkerPosition(const Document& doc, int track, int bar, int be
 
 Player::Player(const SettingsStore* settings, QObject* parent)
     : QObject(parent),
-      devices_(std::make_unique<OutputDevices>(FindSoundFont(settings))),
+      devices_(std::make_unique<OutputDevices>(FindSoundFont(settings), true)),
       ownClock_(std::make_unique<QtPlaybackClock>()),
       out_(devices_.get()),
       scheduler_(std::make_unique<Scheduler>(*out_, *ownClock_)),
@@ -40,7 +40,8 @@ Player::Player(MidiOut& out, PlaybackClock& clock, QObject* parent)
 }
 
 Player::~Player() {
-  // No signals from a half-destroyed player.
+  // No signals from a half-destroyed player, nor news of a load that ends while it goes.
+  out_->setOnLoaded({});
   scheduler_->hooks = {};
   scheduler_.reset();
   // A typed note may still be sounding; a hardware synthesizer would hold it for ever.
@@ -71,6 +72,8 @@ void Player::wire() {
     emit playingChanged(false);
     reportSilence();
   };
+  // The device tells from its loading thread; the news is handled here, on ours.
+  out_->setOnLoaded([this] { QMetaObject::invokeMethod(this, [this] { soundLoaded(); }, Qt::QueuedConnection); });
   // The editor's single notes end by themselves a moment later.
   tmrStop_->setOnTimer([this] {
     if (!scheduler_->playing()) scheduler_->SilenceBeat();
@@ -93,6 +96,21 @@ void Player::LoadMIDI(int outputDeviceId, int16_t outputBank) {
   MIDIOpen(*out_, number);
   MIDIProgramChange(*out_, 0, outputBank, 24);
   reportSilence();
+  if (!out_->loading()) emit soundReady();
+}
+
+void Player::soundLoaded() {
+  if (out_->loading()) return;  // a stale call from an earlier load
+  // Said the way a device that fails to open at once is said.
+  if (!out_->isOpen()) MIDIReportError(*out_, kMidiOpenFailed);
+  if (waiting_) {
+    std::function<void()> begin = std::move(waiting_);
+    waiting_ = nullptr;
+    launch(begin);
+    if (!scheduler_->playing()) emit playingChanged(false);  // it said true while waiting
+  }
+  reportSilence();
+  emit soundReady();
 }
 
 std::vector<MidiDeviceInfo> Player::devices() {
@@ -122,11 +140,11 @@ void Player::playFromStart(const Document& doc) {
 }
 
 void Player::play(const Document& doc, int startBar, int endBar) {
-  start(doc, [&] { scheduler_->PlayTab(snapshot_, startBar, endBar); });
+  start(doc, [this, startBar, endBar] { scheduler_->PlayTab(snapshot_, startBar, endBar); });
 }
 
 void Player::playTrainer(const Document& doc, const SpeedTrainer& trainer) {
-  start(doc, [&] { scheduler_->PlayTrainer(snapshot_, trainer); });
+  start(doc, [this, trainer] { scheduler_->PlayTrainer(snapshot_, trainer); });
 }
 
 void Player::setMix(const Score& score, const std::vector<bool>& silenced) {
@@ -159,15 +177,29 @@ void Player::setMix(const Score& score, const std::vector<bool>& silenced) {
   }
 }
 
-void Player::start(const Document& doc, const std::function<void()>& begin) {
+void Player::start(const Document& doc, std::function<void()> begin) {
   tmrStop_->setEnabled(false);
   if (scheduler_->playing()) scheduler_->StopTab();
   snapshot_ = doc.score;
   shown_ = &doc;
+  options_.CurrentTrack = doc.CursorTrack;
+  if (out_->loading()) {
+    // The song as it was when Play was pressed starts once the sounds are in. Its
+    // instruments go to the device now, so that they load with the font.
+    selectInstruments(snapshot_);
+    const bool was = static_cast<bool>(waiting_);
+    waiting_ = std::move(begin);
+    if (!was) emit playingChanged(true);  // Stop is offered, and ends the wait
+    emit waitingForSound();
+    return;
+  }
+  launch(begin);
+}
+
+void Player::launch(const std::function<void()>& begin) {
   // Before the clock starts: an instrument whose sounds load on first use then delays the
   // start a little instead of the first beat against the rest.
-  selectInstruments(doc.score);
-  options_.CurrentTrack = doc.CursorTrack;
+  selectInstruments(snapshot_);
   scheduler_->options = options_;
   lastFollowBar_ = -1;
   begin();
@@ -183,12 +215,17 @@ void Player::selectInstruments(const Score& score) {
 }
 
 void Player::stop() {
+  if (waiting_) {
+    waiting_ = nullptr;
+    emit playingChanged(false);
+    return;
+  }
   const bool was = scheduler_->playing();
   scheduler_->StopTab();
   if (!was) MIDIAllNotesOff(*out_);
 }
 
-bool Player::isPlaying() const { return scheduler_->playing(); }
+bool Player::isPlaying() const { return scheduler_->playing() || waiting_; }
 
 void Player::soundBeat(const Score& score, int track, int bar, int beat) {
   if (scheduler_->playing()) return;

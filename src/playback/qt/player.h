@@ -12,6 +12,7 @@
 //   followBar(bar)                               ->  scroll the page so that the bar is shown
 //   playingChanged(bool)                         ->  disable menus and scroll bars while playing
 //   noSound(text)                                ->  say once, in the status bar, why nothing sounds
+//   waitingForSound() / soundReady()             ->  say that Play waits for the sounds to load
 //   a key that wrote a note                      ->  soundBeat(doc, track, bar, beat)
 //   clicking a chord chart                       ->  soundChordDiagram(track, chord)
 #pragma once
@@ -53,7 +54,14 @@ class Player : public QObject {
 
   // The sound start-up: list the devices, open the one at list row `outputDeviceId` (the
   // built-in synthesizer if that row does not exist), and set the nylon guitar on channel 0.
-  // Loading the SoundFont takes about half a second: call it once the window is up.
+  // The built-in synthesizer then reads its SoundFont in the background; soundReady() says when
+  // it is done (at once for any other device, or when nothing would open).
+  //
+  // Until then, what the user plays is handled so that no sound comes late: Play (and the speed
+  // trainer) waits, says so through waitingForSound(), and starts from the beginning of its
+  // count-in when the sounds are in, the instruments of the song already loaded; Stop ends the
+  // wait. A note typed, a chord clicked or a tool's click while loading does not sound (the
+  // device drops notes until ready; instruments chosen meanwhile are kept).
   void LoadMIDI(int outputDeviceId, int16_t outputBank);
   std::vector<MidiDeviceInfo> devices();
   // Opens the device of a list row at once, so the user hears the change.
@@ -101,10 +109,16 @@ class Player : public QObject {
   void followBar(int bar);
   void playingChanged(bool playing);
   void noSound(const QString& why);
+  // Play was asked for while the sounds load; it starts when they are in.
+  void waitingForSound();
+  // The output opened by LoadMIDI is ready, or will not be (noSound says why).
+  void soundReady();
 
  private:
   void wire();
-  void start(const Document& doc, const std::function<void()>& begin);
+  void start(const Document& doc, std::function<void()> begin);
+  void launch(const std::function<void()>& begin);
+  void soundLoaded();
   void reportSilence();
 
   std::unique_ptr<OutputDevices> devices_;
@@ -117,6 +131,7 @@ class Player : public QObject {
   const Document* shown_ = nullptr;  // for marker geometry; only read while playing
   std::vector<MidiDeviceInfo> list_;
   int lastFollowBar_ = -1;
+  std::function<void()> waiting_;  // a start that waits for the sounds to load
 };
 
 }  // namespace plectaro
