@@ -7,6 +7,8 @@
 #include <mutex>
 #include <thread>
 
+#include "playback/channel_memory.h"
+
 namespace plectaro {
 
 namespace {

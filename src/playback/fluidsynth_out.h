@@ -11,7 +11,8 @@
 // remembers what the channels are told (instruments, controllers, the pitch wheel; see
 // ChannelMemory) and drops notes, so that nothing sounds late; the remembered instruments are
 // loaded on the worker before the device says it is ready, so the first note after that sounds
-// at once. Everything but the worker runs on the caller's thread.
+// at once. Everything but the worker runs on the caller's thread. Closing or destroying the
+// device during the load waits for the load to end (FluidSynth cannot be interrupted).
 #pragma once
 
 #include <memory>
@@ -20,7 +21,6 @@
 #include <string>
 #include <vector>
 
-#include "playback/channel_memory.h"
 #include "playback/midi_out.h"
 #include "score/settings_store.h"
 
@@ -57,7 +57,8 @@ class FluidSynthOut : public MidiOut {
   // Blocks until a background load has ended (at once when there is none).
   void waitLoaded();
 
-  // Offline only (and only once loaded): renders `frames` stereo frames, interleaved left/right, appended to `out`.
+  // Offline only, once loaded: renders `frames` stereo frames, interleaved left/right, appended
+  // to `out`.
   void render(size_t frames, std::vector<float>& out);
   double sampleRate() const { return config_.SampleRate; }
   // Voices still sounding (a tail after the last note may be rendered until it is 0).
