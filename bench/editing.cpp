@@ -27,7 +27,7 @@
 #include "editing/selection.h"
 #include "rendering/draw_document.h"
 #include "rendering/qt/qt_surface.h"
-#include "shell/prompter.h"
+#include "score/prompter.h"
 
 namespace plectaro {
 namespace {

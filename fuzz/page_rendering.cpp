@@ -15,7 +15,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   std::string_view plain(reinterpret_cast<const char*>(data), size);
   Document doc;
   try {
-    if (ReadMusicText(plain, doc.score) == ReadOutcome::WrongFile) return 0;
+    if (ReadMusicText(plain, doc.score, nullptr, 256) == ReadOutcome::WrongFile) return 0;
   } catch (const FileError&) {
     return 0;
   }

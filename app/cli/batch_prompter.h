@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "shell/prompter.h"
+#include "score/prompter.h"
 
 namespace plectaro::cli {
 

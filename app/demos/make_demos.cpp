@@ -358,13 +358,13 @@ Score effects() {
   setBar(s, 0, 3, {{kQuarter, ". . 7"}, {kQuarter, ". . 9"}, {kQuarter, ". 8"}, {kQuarter, ". . . 7"}});
   n = &note(s, 0, 3, 0, 2);
   n->HasGrace = true;
-  n->Grace = {"5", 1, 0, kGraceHammer};
+  n->Grace = GraceInfo{"5", 1, 0, kGraceHammer};
   n = &note(s, 0, 3, 1, 2);
   n->HasGrace = true;
-  n->Grace = {"7", 0, 0, kGraceSlide};
+  n->Grace = GraceInfo{"7", 0, 0, kGraceSlide};
   n = &note(s, 0, 3, 2, 1);
   n->HasGrace = true;
-  n->Grace = {"x", 2, 5, kGraceNone};
+  n->Grace = GraceInfo{"x", 2, 5, kGraceNone};
   note(s, 0, 3, 3, 3).Technique = kHammerOnPullOff;
   text(3, 0, "Grace, hammer");
   text(3, 1, "Grace, slide");

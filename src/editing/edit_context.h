@@ -16,7 +16,7 @@
 
 #include "editing/undo_ring.h"
 #include "score/document.h"
-#include "shell/prompter.h"
+#include "score/prompter.h"
 
 namespace plectaro {
 

@@ -214,7 +214,7 @@ void ApplyGrace(EditContext& ctx, const GraceInfo& grace) {
 
 void ClearGrace(EditContext& ctx) {
   onNote(ctx, "Grace Note", [](NoteSlot& n) {
-    n.Grace = GraceInfo();
+    n.Grace = {};
     n.HasGrace = false;
   });
 }

@@ -194,12 +194,12 @@ bool startNoteTakingEffect(const EffectStart& e, const Score& s, int t, int b, i
   FretNumber(slot.Fret, fret);
   if (slot.HasGrace) {
     int graceFret = 0;
-    const bool dead = !FretNumber(slot.Grace.Fret, graceFret);
+    const bool dead = !FretNumber(slot.Grace->Fret, graceFret);
     const int graceKey = dead ? -1 : key - fret + graceFret;
-    const int mainVelocity = slot.Grace.Transition == kGraceNone
+    const int mainVelocity = slot.Grace->Transition == kGraceNone
                                  ? velocity : roundEven(velocity * kLegatoVelocity);
-    const double len = std::min(grace64ths(slot.Grace.Length), e.beat64ths / 2);
-    e.fx.start(PlanGrace(channel, graceKey, velocityFor(tr, slot.Grace.Volume), key, mainVelocity, e.stepMs, len));
+    const double len = std::min(grace64ths(slot.Grace->Length), e.beat64ths / 2);
+    e.fx.start(PlanGrace(channel, graceKey, velocityFor(tr, slot.Grace->Volume), key, mainVelocity, e.stepMs, len));
     return true;
   }
   if (slot.HasTrill) {

@@ -235,7 +235,7 @@ const char* leftFingerLabel(int32_t finger) {
   return finger > 0 && finger <= 5 ? kLeft[static_cast<size_t>(finger)] : "";
 }
 
-std::string graceLabel(const NoteSlot& n) { return n.Grace.Fret == "x" ? "X" : n.Grace.Fret; }
+std::string graceLabel(const NoteSlot& n) { return n.Grace->Fret == "x" ? "X" : n.Grace->Fret; }
 
 // The stroke arrow stands this far left of the chord; a slide into a note starts this far.
 constexpr double kStrokeGap = 9;
@@ -447,7 +447,7 @@ double BarPainter::tabLeftOfBeat(int k) {
     left = std::min(left, c - half - 1);
     const Font small = plainFont(kSmallFonts, 5.5);
     left = std::min(left, c - half - 1 - s_.measureText(leftFingerLabel(n.LeftFinger), small).width);
-    if (n.HasGrace && !n.Grace.Fret.empty())
+    if (n.HasGrace && !n.Grace->Fret.empty())
       left = std::min(left, c - half - 3.5 - s_.measureText(graceLabel(n), small).width);
     if (n.Technique == kSlideIntoUp || n.Technique == kSlideIntoDown) left = std::min(left, c - kSlideIntoReach);
   }
@@ -606,7 +606,7 @@ void BarPainter::beatOnTab(int k) {
       static constexpr std::array<const char*, 6> kRight = {"", "T)", "I)", "M)", "A)", "O)"};
       middleText(s_, c + m.width / 2 + 1, ly, kRight[static_cast<size_t>(n.RightFinger)], small, note_);
     }
-    if (n.HasGrace && !n.Grace.Fret.empty()) {
+    if (n.HasGrace && !n.Grace->Fret.empty()) {
       // The grace note: a small number before the main one, with its way into it.
       const Font gf = plainFont(kSmallFonts, 5.5);
       const std::string gt = graceLabel(n);
@@ -614,8 +614,8 @@ void BarPainter::beatOnTab(int k) {
       const double gx = c - m.width / 2 - 3 - gm.width;
       s_.fillRect({gx - 0.5, ly - 3, gm.width + 1, 6}, kWhite);
       s_.drawText({gx, ly - gm.height() / 2}, gt, gf, col);
-      if (n.Grace.Transition == kGraceSlide) s_.drawLine({gx + gm.width, ly + 2}, {c - m.width / 2 - 0.5, ly - 2}, col);
-      if (n.Grace.Transition == kGraceHammer || n.Grace.Transition == kGraceBend)
+      if (n.Grace->Transition == kGraceSlide) s_.drawLine({gx + gm.width, ly + 2}, {c - m.width / 2 - 0.5, ly - 2}, col);
+      if (n.Grace->Transition == kGraceHammer || n.Grace->Transition == kGraceBend)
         drawArc(s_, gx + gm.width / 2, c, ly - 4, -3, col);
     }
     if (n.HasTrill) {
@@ -895,7 +895,7 @@ void BarPainter::notationLayer(bool bassStaff) {
       const NoteSlot& n = b.Notes[static_cast<size_t>(st)];
       if (!n.HasGrace) continue;
       NoteSlot grace;
-      grace.Fret = n.Grace.Fret;
+      grace.Fret = n.Grace->Fret;
       int gp = 0;
       if (!SlotPitch(tr_, grace, st, gp) || (split && (bassStaff ? gp >= 48 : gp < 48))) continue;
       const double gy = onStaffGrid(base + StaffPosition(gp, flats) + 6.5, staffTop);

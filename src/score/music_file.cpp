@@ -249,8 +249,8 @@ void writeNote(Out& o, const NoteSlot& n, int t, BarNo b, int k, int s) {
     o << int{n.Bend->PresetIndex} << ':' << int{n.Bend->Scale} << '>';
   }
   if (n.HasGrace) {
-    place(tag::Grace) << ':' << int{n.Grace.Length} << '|' << int{n.Grace.Volume} << ':';
-    o.text(n.Grace.Fret) << '|' << int{n.Grace.Transition} << '>';
+    place(tag::Grace) << ':' << int{n.Grace->Length} << '|' << int{n.Grace->Volume} << ':';
+    o.text(n.Grace->Fret) << '|' << int{n.Grace->Transition} << '>';
   }
   if (n.HasTrill) place(tag::Trill) << ':' << int{n.Trill.TrillFret} << '|' << int{n.Trill.Period} << '>';
 }
@@ -375,6 +375,16 @@ class Fields {
     out.clear();
     AppendCp1252AsUtf8(out, raw(delim));
   }
+  // Fret texts are nearly always plain ASCII and short: they go straight into the slot.
+  void textInto(char delim, SmallText& out) {
+    const std::string_view r = raw(delim);
+    for (const char c : r)
+      if (static_cast<unsigned char>(c) >= 0x80) {
+        out = Cp1252ToUtf8(r);
+        return;
+      }
+    out = r;
+  }
 
  private:
   std::string_view p_;
@@ -383,7 +393,8 @@ class Fields {
 
 class Reader {
  public:
-  Reader(Score& s, size_t plainSize) : s_(s), beatBudget_(16 * plainSize + 65536) {}
+  Reader(Score& s, size_t plainSize, size_t spareBeats)
+      : s_(s), beatBudget_(16 * plainSize + spareBeats) {}
 
   void piece(std::string_view p);
 
@@ -577,7 +588,7 @@ class Reader {
   void note(Fields& f) {
     NoteSlot& n = noteAt(f, ':');
     f.textInto('|', n.Fret);
-    if (!n.Fret.empty() && (n.Fret.front() == ' ' || n.Fret.back() == ' ')) n.Fret = std::string(Trim(n.Fret));
+    if (!n.Fret.empty() && (n.Fret.front() == ' ' || n.Fret.back() == ' ')) n.Fret = Trim(n.Fret.view());
     n.Volume = f.i32('>');
   }
   void technique(Fields& f) {
@@ -587,10 +598,11 @@ class Reader {
   void bend(Fields& f);
   void grace(Fields& f) {
     NoteSlot& n = noteAt(f, ':');
-    n.Grace.Length = f.i32('|');
-    n.Grace.Volume = f.i32(':');
-    n.Grace.Fret = f.text('|');
-    n.Grace.Transition = f.i32('>');
+    GraceInfo& g = n.Grace.mut();
+    g.Length = f.i32('|');
+    g.Volume = f.i32(':');
+    f.textInto('|', g.Fret);
+    g.Transition = f.i32('>');
     n.HasGrace = true;
   }
   void trill(Fields& f) {
@@ -885,7 +897,8 @@ std::string WriteMusicText(const Score& s) {
   return text;
 }
 
-ReadOutcome ReadMusicText(std::string_view plain, Score& score, ReadProgress* progress) {
+ReadOutcome ReadMusicText(std::string_view plain, Score& score, ReadProgress* progress,
+                          size_t spareBeats) {
   // Only the text before the last four characters of the first line counts, so a later
   // "Plectaro 4.1" would still be read.
   std::string_view line = firstLine(plain);
@@ -895,7 +908,7 @@ ReadOutcome ReadMusicText(std::string_view plain, Score& score, ReadProgress* pr
   for (Track& tr : s.Tracks) tr.DrumTrack = tr.TabStaff = tr.TrebleStaff = tr.BassStaff = false;
   s.AlwaysDrawChordCharts = s.AlwaysDrawFileHeaders = s.PasswordProtected = s.ShuffleRhythm = false;
 
-  Reader reader(s, plain.size());
+  Reader reader(s, plain.size(), spareBeats);
   size_t pos = plain.find('<');
   while (pos != std::string_view::npos) {
     size_t next = plain.find('<', pos + 1);

@@ -152,10 +152,10 @@ int GetStringPitch(int string) {
   return kStandardStringPitch[static_cast<size_t>(string)];
 }
 
-bool FretNumber(const std::string& fret, int& out) {
+bool FretNumber(std::string_view fret, int& out) {
   size_t first = fret.find_first_not_of(' ');
   size_t last = fret.find_last_not_of(' ');
-  if (first == std::string::npos) return false;
+  if (first == std::string_view::npos) return false;
   const char* begin = fret.data() + first;
   const char* end = fret.data() + last + 1;
   auto [ptr, ec] = std::from_chars(begin, end, out);

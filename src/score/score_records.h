@@ -15,9 +15,11 @@
 #include <cstdint>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "score/cow.h"
+#include "score/small_text.h"
 
 namespace plectaro {
 
@@ -111,7 +113,7 @@ struct DrumMap {
 };
 
 struct GraceInfo {
-  std::string Fret;        // "x" for a dead note
+  SmallText Fret;          // "x" for a dead note
   int32_t Length = 0;      // 0 sixteenth, 1 thirty-second, 2 sixty-fourth
   int32_t Volume = 0;      // NoteVolume numbers
   int32_t Transition = 0;  // GraceTransition
@@ -151,22 +153,25 @@ struct BeatChord {
 
 // ---- the document records ----
 
+// Laid out small: a beat holds seven of these and most of them are empty. The fret text lives
+// inside the slot, the grace note and bend curve are boxed (a blank box is a null pointer),
+// and the fields are ordered so that no padding falls between them.
 struct NoteSlot {
-  std::string Fret;  // "" no note; decimal fret; "x" dead note; a drum symbol on a drum track
-  int32_t Volume = kVolMF;
-  bool LetRing = false;
-  bool Accentuate = false;
-  int32_t Harmonic = kNoHarmonic;
-  bool Tied = false;
-  int32_t Technique = kNoTechnique;
-  GraceInfo Grace;
-  bool HasGrace = false;
-  TrillInfo Trill;
-  bool HasTrill = false;
+  SmallText Fret;  // "" no note; decimal fret; "x" dead note; a drum symbol on a drum track
+  Cow<GraceInfo> Grace;
   Cow<BendInfo> Bend;
-  bool HasBend = false;
+  int32_t Volume = kVolMF;
+  int32_t Harmonic = kNoHarmonic;
+  int32_t Technique = kNoTechnique;
   int32_t LeftFinger = 0;   // 0 none, 1 T, 2 "1" .. 5 "4"
   int32_t RightFinger = 0;  // 0 none, 1 T, 2 I, 3 M, 4 A, 5 O
+  TrillInfo Trill;
+  bool LetRing = false;
+  bool Accentuate = false;
+  bool Tied = false;
+  bool HasGrace = false;
+  bool HasTrill = false;
+  bool HasBend = false;
   bool GhostNote = false;
   bool operator==(const NoteSlot&) const = default;
 
@@ -175,18 +180,18 @@ struct NoteSlot {
 
 struct Beat {
   std::array<NoteSlot, kMaxStrings> Notes;  // string 0 is the highest
+  Cow<TremoloBarInfo> TremoloBar;
+  Cow<BeatChord> Chord;
+  std::string Text;
+  std::string GotoName;
   int32_t Length = kWhole;  // a blank beat is a whole-note rest, as a newly grown beat is
   int32_t ChordTechnique = kNoChordTechnique;
-  Cow<TremoloBarInfo> TremoloBar;
-  bool HasTremoloBar = false;
   int32_t Stroke = kNoStroke;
-  std::string Text;
   int32_t Tuplet = kTriplet;  // meaningful only while IsTuplet
+  bool HasTremoloBar = false;
   bool IsTuplet = false;
   bool Dotted = false;
   bool HasChord = false;
-  Cow<BeatChord> Chord;
-  std::string GotoName;
   bool operator==(const Beat&) const = default;
 
   // A beat with no fret on any string is a rest.
@@ -302,6 +307,6 @@ struct Score {
 int GetStringPitch(int string);
 
 // Parses a Fret text as a fret number; false for "", "x", drum symbols and anything else.
-bool FretNumber(const std::string& fret, int& out);
+bool FretNumber(std::string_view fret, int& out);
 
 }  // namespace plectaro

@@ -12,7 +12,7 @@
 #include "shell/app_folder.h"
 #include "shell/ini_settings.h"
 #include "shell/language.h"
-#include "shell/prompter.h"
+#include "score/prompter.h"
 
 namespace plectaro {
 

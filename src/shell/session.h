@@ -14,7 +14,7 @@
 #include "shell/file_commands.h"
 #include "shell/ini_settings.h"
 #include "shell/language.h"
-#include "shell/prompter.h"
+#include "score/prompter.h"
 #include "shell/recovery.h"
 
 namespace plectaro {

@@ -26,7 +26,7 @@
 #include "editing/ui/track_dialogs.h"
 #include "editing/ui/track_menus.h"
 #include "reference/tunings.h"
-#include "shell/prompter.h"
+#include "score/prompter.h"
 
 namespace plectaro {
 namespace {

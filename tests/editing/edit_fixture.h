@@ -9,7 +9,7 @@
 
 #include "editing/key_map.h"
 #include "score/document.h"
-#include "shell/prompter.h"
+#include "score/prompter.h"
 
 namespace plectaro::test {
 
@@ -36,7 +36,7 @@ struct Editor {
     }
   }
 
-  const std::string& fret(int bar, int beat, int string, int track = 0) const {
+  std::string fret(int bar, int beat, int string, int track = 0) const {
     return doc.score.note(track, bar, beat, string).Fret;
   }
   const Beat& beat(int bar, int beat, int track = 0) const { return doc.score.beat(track, bar, beat); }

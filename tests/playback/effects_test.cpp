@@ -191,13 +191,13 @@ TEST(Effects, NoteEffectsPlayTheirRuns) {
       {"grace note (32nd, hammered on) before its note",
        [&](Score& s) {
          slot(s).HasGrace = true;
-         slot(s).Grace = {"3", 1, 0, kGraceHammer};
+         slot(s).Grace = GraceInfo{"3", 1, 0, kGraceHammer};
        },
        1, {{62, 1, 67, 100}, {187, 1, 69, 80}}},
       {"dead grace note: a click, then the note",
        [&](Score& s) {
          slot(s).HasGrace = true;
-         slot(s).Grace = {"x", 2, 5, kGraceNone};
+         slot(s).Grace = GraceInfo{"x", 2, 5, kGraceNone};
        },
        1, {{62, 1, 69, 82}, {62, 1, 69, 0}, {124, 1, 69, 100}}},
       {"tapped harmonic: the octave over the fretted note",

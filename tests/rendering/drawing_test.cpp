@@ -376,7 +376,7 @@ TEST(DrawBar, CloseAccidentalsStepLeftAndGraceNotesShowSmall) {
   b.Notes[0].Fret = "2";  // F sharp
   b.Notes[1].Fret = "2";  // C sharp, 10 units lower: its sharp takes the next column
   b.Notes[2].HasGrace = true;
-  b.Notes[2].Grace.Fret = "0";
+  b.Notes[2].Grace.mut().Fret = "0";
   const RecordingSurface s = drawBar0(doc);
   std::vector<double> sharpBars;
   for (const DrawCall& c : s.ofKind(DrawCall::Kind::Line))

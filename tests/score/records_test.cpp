@@ -59,6 +59,47 @@ TEST(Records, CopiesShareBarsUntilOneIsWritten) {
   EXPECT_NE(a, b);
 }
 
+// Texts on both sides of the inline limit (15) and far beyond it behave as std::string does:
+// copies, moves, comparisons, the NUL at the end, concatenation.
+TEST(Records, SmallTextActsAsAString) {
+  for (const std::string want : {std::string(), std::string("7"), std::string(14, 'a'), std::string(15, 'b'),
+                                 std::string(16, 'c'), std::string(300, 'd'), std::string("\xc2\xbd")}) {
+    SmallText t = want;
+    EXPECT_EQ(t.size(), want.size());
+    EXPECT_EQ(t, want);
+    EXPECT_EQ(std::string(t.c_str()), want);  // NUL-terminated whatever the length
+    SmallText copy = t;
+    SmallText moved = std::move(t);
+    EXPECT_EQ(copy, want);
+    EXPECT_EQ(moved, want);
+    EXPECT_TRUE(t.empty());  // NOLINT: a moved-from text is left empty
+    copy = moved;            // heap to heap, inline to inline
+    EXPECT_EQ(copy, want);
+    EXPECT_EQ("<" + copy + ">", "<" + want + ">");
+    copy.clear();
+    EXPECT_EQ(copy, "");
+  }
+  EXPECT_EQ(sizeof(SmallText), 16u);
+}
+
+// A blank beat must cost no allocation: its boxes are empty pointers that read as blank records,
+// and writing one detaches it from every copy.
+TEST(Records, BlankBoxesReadBlankAndDetachOnWrite) {
+  Beat a;
+  Beat b = a;
+  EXPECT_TRUE(a.Notes[0].Bend.sharesWith(b.Notes[0].Bend));
+  EXPECT_EQ(a.Notes[0].Grace->Fret, "");
+  EXPECT_EQ(a.Chord->NumStrings, 0);
+  b.Notes[0].Bend.mut().Scale = 3;
+  EXPECT_EQ(a.Notes[0].Bend->Scale, 0);
+  EXPECT_NE(a, b);
+  Beat c = b;
+  c.Notes[0].Bend.mut().Scale = 4;  // shared with b until now
+  EXPECT_EQ(b.Notes[0].Bend->Scale, 3);
+  b.Notes[0].Bend = {};
+  EXPECT_EQ(a, b);  // an emptied box equals a blank one
+}
+
 TEST(Records, ClearBeatKeepsLengthAndGotoName) {
   Score s;
   Beat& b = s.beatMut(0, 0, 0);

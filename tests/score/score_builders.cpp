@@ -93,7 +93,7 @@ Score EveryTagScore() {
   n.Bend.mut().PresetIndex = 2;
   n.Bend.mut().Scale = 7;
   n.HasGrace = true;
-  n.Grace = {"x", 1, kVolP, kGraceHammer};
+  n.Grace = GraceInfo{"x", 1, kVolP, kGraceHammer};
   n.HasTrill = true;
   n.Trill = {14, 2};
   SetFrets(s, 0, 0, 1, {"x", "", "", "", "", "3"});

@@ -4,7 +4,7 @@
 #include "editing/edit_context.h"
 #include "score/bar_timing.h"
 #include "score/document.h"
-#include "shell/prompter.h"
+#include "score/prompter.h"
 #include "tools/drum_score.h"
 
 namespace plectaro {

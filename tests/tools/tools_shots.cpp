@@ -20,7 +20,7 @@
 #include "score/document.h"
 #include "score/settings_store.h"
 #include "shell/language.h"
-#include "shell/prompter.h"
+#include "score/prompter.h"
 #include "tools/ui/beat_generator_dialog.h"
 #include "tools/ui/drum_machine_window.h"
 #include "tools/ui/metronome_window.h"

@@ -303,7 +303,7 @@ GraceNoteDialog::GraceNoteDialog(const Document& doc, PlayEdited play, QWidget* 
   setObjectName("ntne_frmGraceNote");
   setWindowTitle("Grace Note");
   const NoteSlot& slot = CursorSlot(doc);
-  const GraceInfo g = slot.HasGrace ? slot.Grace : GraceInfo{std::to_string(std::max(0, fretOf(doc) - 2)), 1, 0, kGraceHammer};
+  const GraceInfo g = slot.HasGrace ? *slot.Grace : GraceInfo{std::to_string(std::max(0, fretOf(doc) - 2)), 1, 0, kGraceHammer};
   auto* l = new QVBoxLayout(this);
   prompt(this, l, "Please set up the desired grace note, then press OK.");
   auto* top = new QHBoxLayout;

@@ -12,7 +12,7 @@
 #include "rendering/draw_document.h"
 #include "score/document.h"
 #include "score/settings_store.h"
-#include "shell/prompter.h"
+#include "score/prompter.h"
 
 class QAction;
 class QCheckBox;

@@ -11,7 +11,7 @@
 #include "reference/library_filter.h"
 #include "score/score_records.h"
 #include "score/settings_store.h"
-#include "shell/prompter.h"
+#include "score/prompter.h"
 
 namespace plectaro {
 

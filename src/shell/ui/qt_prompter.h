@@ -5,7 +5,7 @@
 #include <QWidget>
 
 #include "shell/language.h"
-#include "shell/prompter.h"
+#include "score/prompter.h"
 
 namespace plectaro {
 

@@ -12,7 +12,7 @@
 #include "playback/qt/qt_clock.h"
 #include "score/settings_store.h"
 #include "shell/language.h"
-#include "shell/prompter.h"
+#include "score/prompter.h"
 
 namespace plectaro {
 
