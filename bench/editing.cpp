@@ -131,11 +131,11 @@ class Footprint {
       bytes += t.Bars.capacity() * sizeof(Cow<TrackBar>);
       for (const Cow<TrackBar>& b : t.Bars) {
         if (!seen_.insert(&*b).second) continue;
-        bytes += sizeof(TrackBar) + 16 /* shared_ptr control block */ +
+        bytes += sizeof(TrackBar) + 8 /* the box's reference count */ +
                  b->Beats.capacity() * sizeof(Beat);
         for (const Beat& beat : b->Beats)
           for (const NoteSlot& n : beat.Notes)
-            if (n.Fret.capacity() > 15) bytes += n.Fret.capacity() + 1;
+            if (n.Fret.size() > SmallText::kInline) bytes += n.Fret.size() + 1;
       }
     }
     return bytes;

@@ -5,6 +5,7 @@
 
 #include "cli.h"
 #include "score/file_io.h"
+#include "score/memory_pages.h"
 #include "score/score_records.h"
 #include "shell/qt_settings_store.h"
 
@@ -27,6 +28,7 @@ const Verb* findVerb(const std::string& name) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  UseLargeMemoryPages();
   std::vector<std::string> words(argv + 1, argv + argc);
   std::string home;
   if (words.size() >= 2 && words[0] == "--home") {

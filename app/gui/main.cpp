@@ -16,6 +16,7 @@
 #include <string>
 #include <vector>
 
+#include "score/memory_pages.h"
 #include "shell/session.h"
 #include "shell/ui/autosave_timer.h"
 #include "shell/ui/desktop_palette.h"
@@ -92,6 +93,7 @@ double statusMegabytes(const char* key) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  plectaro::UseLargeMemoryPages();
   QApplication app(argc, argv);
   QApplication::setApplicationName("Plectaro");
   QApplication::setDesktopFileName("plectaro");
