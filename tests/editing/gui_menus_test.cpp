@@ -5,6 +5,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QMenu>
+#include <QScrollBar>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QToolBar>
@@ -115,6 +116,29 @@ TEST(GuiMenus, RightClickOffersTheSpotsCommandsAndTheToolbarPicksTheTrack) {
   w.window.DrawDocument();
   QApplication::processEvents();
   EXPECT_EQ(selector->itemText(2).toStdString(), "3. Renamed");
+}
+
+// Zooming moves every bar: the cursor, far down the song, stays in view at every zoom.
+TEST(GuiMenus, ZoomingKeepsTheCursorInView) {
+  QApplication app(argc, argv);
+  TestSession ts((testing::SourceData() / "examples" / "band.plm").string());
+  Document& doc = ts.session.doc();
+  WiredWindow w(ts.session);
+  w.window.resize(1100, 700);
+  w.window.show();
+  ASSERT_TRUE(QTest::qWaitForWindowExposed(&w.window));
+  doc.CursorBar = doc.score.GetLastBar(doc.CursorTrack);
+  w.window.DrawDocument();
+  QScrollBar* v = w.window.view()->verticalScrollBar();
+  const auto inView = [&] {
+    const double height = w.window.view()->viewport()->height() / w.window.view()->zoom();
+    return ScrollToShowCursor(doc, v->value(), height) == v->value();
+  };
+  for (double zoom : {1.0, 2.5, 4.0, 0.5}) {
+    w.window.view()->setZoom(zoom);
+    for (int i = 0; i < 5; ++i) QTest::qWait(20);  // draw, scroll, draw again
+    EXPECT_TRUE(inView()) << zoom;
+  }
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include "editing/ui/editor_input.h"
 
 #include <QAbstractScrollArea>
+#include <QDynamicPropertyChangeEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
@@ -144,6 +145,10 @@ EditorInput::EditorInput(QAbstractScrollArea* view, EditContext& ctx)
 }
 
 bool EditorInput::eventFilter(QObject* watched, QEvent* event) {
+  // A new zoom moves every bar on screen: the next draw brings the cursor back into view.
+  if (watched == view_ && event->type() == QEvent::DynamicPropertyChange &&
+      static_cast<QDynamicPropertyChangeEvent*>(event)->propertyName() == "zoom")
+    follow_ = true;
   if (watched == view_ && event->type() == QEvent::KeyPress) {
     auto* ke = static_cast<QKeyEvent*>(event);
     const auto k = KeyPressFromQt(*ke);
