@@ -937,10 +937,10 @@ OpenOutcome OpenMusicFile(Document& doc, const std::filesystem::path& path,
 }
 
 OpenOutcome OpenMusicText(Document& doc, std::string_view plain, const SettingsStore& settings,
-                          ReadProgress* progress) {
+                          ReadProgress* progress, size_t spareBeats) {
   Document fresh;
   InitScore(fresh, settings);
-  const ReadOutcome read = ReadMusicText(plain, fresh.score, progress);
+  const ReadOutcome read = ReadMusicText(plain, fresh.score, progress, spareBeats);
   if (read == ReadOutcome::WrongFile) {
     ForceNewFile(doc, settings);
     return OpenOutcome::WrongFile;

@@ -63,8 +63,8 @@ OpenOutcome OpenMusicFile(Document& doc, const std::filesystem::path& path,
                           const SettingsStore& settings, ReadProgress* progress = nullptr);
 
 // OpenMusicFile on plain text already deciphered, for files that wrap a music file (recovery).
-// The document takes no file name; the caller gives it one.
+// The document takes no file name; the caller gives it one. `spareBeats` as for ReadMusicText.
 OpenOutcome OpenMusicText(Document& doc, std::string_view plain, const SettingsStore& settings,
-                          ReadProgress* progress = nullptr);
+                          ReadProgress* progress = nullptr, size_t spareBeats = kSpareBeats);
 
 }  // namespace plectaro

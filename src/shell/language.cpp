@@ -156,41 +156,73 @@ LanguageTexts LoadLanguageFile(const std::filesystem::path& file, std::string_vi
 }
 
 namespace {
-bool isMessageKey(std::string_view k) { return k.rfind("str_", 0) == 0 || k.rfind("txt_", 0) == 0; }
-}  // namespace
 
-Messages::Messages() {
-  for (const auto& s : EnglishTable()) {
-    for (const auto& [k, v] : s.entries) {
-      if (isMessageKey(k)) texts_[k] = v;
-      formTexts_[s.form + "/" + k] = v;
+bool isMessageKey(std::string_view k) { return k.rfind("str_", 0) == 0 || k.rfind("txt_", 0) == 0; }
+
+// Where each text of the English table stands in Messages::loaded_. The table's views stay
+// valid: the table is built once and never changes.
+struct MessageIndex {
+  std::map<std::pair<std::string_view, std::string_view>, size_t> byFormKey;
+  std::map<std::string_view, size_t, std::less<>> byMessageKey;  // str_ and txt_ keys
+  std::vector<const std::string*> english;
+};
+
+const MessageIndex& messageIndex() {
+  static const MessageIndex index = [] {
+    MessageIndex x;
+    for (const auto& s : EnglishTable()) {
+      for (const auto& [k, v] : s.entries) {
+        // A key met again replaces the earlier one, as a later line of the file would.
+        if (isMessageKey(k)) x.byMessageKey[k] = x.english.size();
+        x.byFormKey[{s.form, k}] = x.english.size();
+        x.english.push_back(&v);
+      }
     }
-  }
+    return x;
+  }();
+  return index;
 }
 
+// The loaded text of an entry, or its English one.
+const std::string& chosen(const std::vector<std::string>& loaded, size_t entry) {
+  if (entry < loaded.size() && !loaded[entry].empty()) return loaded[entry];
+  return *messageIndex().english[entry];
+}
+
+}  // namespace
+
 void Messages::load(std::string_view fileBytes) {
+  const MessageIndex& index = messageIndex();
+  loaded_.resize(index.english.size());
   const auto lines = SplitLines(fileBytes);
+  size_t entry = 0;
   for (const auto& s : EnglishTable()) {
-    for (auto& [k, v] : loadSection(lines, s.form)) {
+    const int start = SectionStartLine(s.form);
+    size_t n = static_cast<size_t>(start > 0 ? start - 1 : 0);
+    for (size_t i = 0; i < s.entries.size(); ++i, ++entry) {
+      if (start == 0 || n >= lines.size()) continue;
       // A blank line would leave a message box without words; keep the English one then.
-      if (v.empty()) continue;
-      if (isMessageKey(k)) texts_[k] = v;
-      formTexts_[s.form + "/" + k] = std::move(v);
+      std::string v = Cp1252ToUtf8(lines[n++]);
+      if (!v.empty()) loaded_[entry] = std::move(v);
     }
   }
 }
 
 const std::string& Messages::text(std::string_view form, std::string_view key) const {
   static const std::string none;
-  auto it = formTexts_.find(std::string(form) + "/" + std::string(key));
-  return it == formTexts_.end() ? none : it->second;
+  const MessageIndex& index = messageIndex();
+  auto it = index.byFormKey.find({form, key});
+  return it == index.byFormKey.end() ? none : chosen(loaded_, it->second);
 }
 
 const std::string& Messages::str(std::string_view key) const {
   static const std::string none;
-  auto it = texts_.find(key);
-  return it == texts_.end() ? none : it->second;
+  const MessageIndex& index = messageIndex();
+  auto it = index.byMessageKey.find(key);
+  return it == index.byMessageKey.end() ? none : chosen(loaded_, it->second);
 }
+
+size_t Messages::size() const { return messageIndex().byMessageKey.size(); }
 
 std::vector<std::string> ListLanguages(const std::filesystem::path& languagesFolder) {
   std::vector<std::string> names;

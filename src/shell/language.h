@@ -53,17 +53,19 @@ LanguageTexts LoadLanguageFile(const std::filesystem::path& file, std::string_vi
 // language file keeps its English text, so a message is never blank.
 class Messages {
  public:
-  Messages();  // English
+  Messages() = default;  // English
   void load(std::string_view fileBytes);
   const std::string& str(std::string_view key) const;
   // Any text of any window, for code that shows a window's texts outside the window itself
   // (the password question, for one).
   const std::string& text(std::string_view form, std::string_view key) const;
-  size_t size() const { return texts_.size(); }
+  size_t size() const;
 
  private:
-  LanguageTexts texts_;     // str_ and txt_ keys
-  LanguageTexts formTexts_; // "form/key"
+  // One text per entry of the English table, in table order; an empty one (or none at all,
+  // before the first load) means the English text. Start-up then costs one allocation, not a
+  // map of every caption of every window.
+  std::vector<std::string> loaded_;
 };
 
 // The language files of <app>/Data/Languages, by name without ".txt", sorted.

@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "score/document.h"
+#include "score/music_file.h"
 #include "score/settings_store.h"
 
 namespace plectaro {
@@ -73,8 +74,9 @@ std::filesystem::path SetRecoveryFileAside(const std::filesystem::path& path);
 
 // The bytes of a recovery file; public for the fuzz target.
 std::string RecoveryFileBytes(const Document& doc, std::time_t savedAt);
-// Parses them; throws FileError when they are not a whole recovery file.
+// Parses them; throws FileError when they are not a whole recovery file. `spareBeats` as for
+// ReadMusicText: the fuzz target passes a small one so that tiny inputs allocate little.
 void ParseRecoveryFile(std::string_view bytes, RecoveryFile& info, Document& doc,
-                       const SettingsStore& settings);
+                       const SettingsStore& settings, size_t spareBeats = kSpareBeats);
 
 }  // namespace plectaro

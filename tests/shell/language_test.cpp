@@ -120,6 +120,37 @@ TEST(LanguageFile, MessagesTakeTheFileAndKeepEnglishForBlankLines) {
   EXPECT_EQ(m.str("str_NoSuchKey"), "");
 }
 
+TEST(LanguageFile, MessagesOfEveryWindowAgreeWithTheOneWindowReader) {
+  // A translated file read both ways, then a second, shorter file on top: what the second one
+  // has replaces, what it lacks or leaves blank stays from the first.
+  auto lines = linesOf(englishFile());
+  for (size_t i = kLanguageHeaderLines; i < lines.size(); ++i)
+    if (!lines[i].empty()) lines[i] += " (fr)";
+  std::string first;
+  for (const auto& l : lines) first += l + "\r\n";
+  Messages m;
+  m.load(first);
+  for (const auto& start : LanguageSectionStarts())
+    for (const auto& [key, text] : LoadLanguage(first, start.form)) {
+      EXPECT_EQ(m.text(start.form, key), text) << start.form << "/" << key;
+      if (key.rfind("str_", 0) == 0) EXPECT_EQ(m.str(key), text) << key;
+    }
+  EXPECT_EQ(m.size(), Messages().size());
+
+  std::vector<std::string> head(lines.begin(), lines.begin() + 433);  // frmMain's first 3 texts
+  head[431] = "&Datei";
+  head[432] = "";
+  std::string second;
+  for (const auto& l : head) second += l + "\n";
+  m.load(second);
+  EXPECT_EQ(m.text("frmMain", "Caption"), "Plectaro (fr)");
+  EXPECT_EQ(m.text("frmMain", "mnuFile"), "&Datei");
+  EXPECT_EQ(m.text("frmMain", "mnuFileNew"), "&New (fr)");
+  EXPECT_EQ(m.text("frmOptions", "tabDrawing"), "Drawing Options (fr)");
+  EXPECT_EQ(Messages().text("frmOptions", "tabDrawing"), "Drawing Options");
+  EXPECT_EQ(m.text("frmOptions", "noSuchControl"), "");
+}
+
 TEST(LanguageFile, WriterRefusesASectionThatRunsIntoTheNext) {
   auto table = EnglishTable();
   for (auto& s : table)
