@@ -37,18 +37,24 @@ run_one() {
 
 header() { printf '%-22s %12s %10s %8s %8s\n' target executions execs/s coverage findings; }
 
+# The rates mean little without the machine's load beside them: other work on the same cores
+# halves them easily.
+load() { cut -d' ' -f1-3 /proc/loadavg; }
+
 if [[ $target == all ]]; then
   minutes=${2:-1}
   names=()
   for src in fuzz/*.cpp; do names+=("$(basename "$src" .cpp)"); done
   ./scripts/build.sh fuzz -j2 "${names[@]/#/fuzz_}"
   results=()
+  load_before=$(load)
   for name in "${names[@]}"; do
     echo "fuzzing $name for $minutes minute(s)..." >&2
     results+=("$(run_one "$name" $((minutes * 60)))")
   done
   header
   printf '%s\n' "${results[@]}"
+  echo "load average (1, 5, 15 min) before: $load_before; after: $(load)"
   total=0
   for line in "${results[@]}"; do total=$((total + ${line##* })); done
   ((total == 0))
