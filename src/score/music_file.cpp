@@ -486,7 +486,9 @@ class Reader {
   void drumMap(Fields& f, size_t field) {
     int t = f.index('\\');
     int str = f.index('|');
-    Track& tr = s_.trackMut(t);
+    // Skipped, as a tag naming a beat the file never sized is (see beatAt).
+    if (t < 0 || static_cast<size_t>(t) >= s_.Tracks.size()) return;
+    Track& tr = s_.Tracks[static_cast<size_t>(t)];
     if (str < 0 || str >= kMaxStrings) throw ScoreError("drum map line out of range");
     tr.DrumMaps[static_cast<size_t>(str)].Drum[field] = f.i16('>');
   }
@@ -494,7 +496,11 @@ class Reader {
   void drumMapOf(Fields& f) {
     drumMap(f, Field);
   }
-  Track& headerTrack() { return s_.trackMut(headerTrack_); }
+  // The track whose header tags come now; past the last track, a scratch one (see beatAt).
+  Track& headerTrack() {
+    if (headerTrack_ < 0 || static_cast<size_t>(headerTrack_) >= s_.Tracks.size()) return scratchTrack_;
+    return s_.Tracks[static_cast<size_t>(headerTrack_)];
+  }
   void capo(Fields& f) { headerTrack().Capo = f.i16('>'); }
   void chordVolume(Fields& f) { headerTrack().ChordVolume = f.i16('>'); }
   void channel(Fields& f) { headerTrack().Channel = f.i16('>'); }
@@ -511,6 +517,8 @@ class Reader {
     headerTrack().Tuning.Offset[String] = f.i16('>');
   }
   void volume(Fields& f) {
+    // The last tag of a track's header; one past the last track moves no further.
+    if (&headerTrack() == &scratchTrack_) return;
     headerTrack().Volume = f.i16('>');
     ++headerTrack_;
   }
@@ -533,6 +541,16 @@ class Reader {
     int t = f.index('|');
     int b = f.index(afterBar);
     int k = f.index(afterBeat);
+    return beatAt(t, b, k);
+  }
+  // A tag that names a beat the file never sized is skipped: its fields go to a scratch beat
+  // that nothing reads. An exception for each such tag made a damaged file (where most tags
+  // can name such a place) slow to open.
+  Beat& beatAt(int t, int b, int k) {
+    if (t < 0 || static_cast<size_t>(t) >= s_.Tracks.size()) return scratch_;
+    const Track& tr = s_.Tracks[static_cast<size_t>(t)];
+    if (b < 0 || static_cast<size_t>(b) >= tr.Bars.size()) return scratch_;
+    if (k < 0 || static_cast<size_t>(k) >= tr.Bars[static_cast<size_t>(b)]->Beats.size()) return scratch_;
     return s_.beatMut(t, b, k);
   }
   NoteSlot& noteAt(Fields& f, char afterString) {
@@ -618,6 +636,8 @@ class Reader {
   }
 
   Score& s_;
+  Beat scratch_;
+  Track scratchTrack_;
   size_t beatBudget_;
   int headerTrack_ = 0;
   int readTrack_ = 0, readBar_ = 0, readBeat_ = 0;
@@ -825,7 +845,7 @@ void Reader::tremolo(Fields& f) {
   int t = f.index('\\');
   int b = f.index('|');
   int k = f.index('\\');
-  Beat& bt = s_.beatMut(t, b, k);
+  Beat& bt = beatAt(t, b, k);
   TremoloBarInfo& tb = bt.TremoloBar.mut();
   tb.Kind = f.i32('/');
   tb.Label = f.text('|');

@@ -211,6 +211,32 @@ TEST(MusicFile, UnknownTagsAndGarbageAreSkipped) {
   EXPECT_EQ(back.Tracks.size(), 1u);
 }
 
+TEST(MusicFile, TagsNamingPlacesTheFileNeverSizedAreSkipped) {
+  // Each set of tags names a track, bar or beat beyond what the file sized; the Score read is
+  // the one read without them, whatever the kind of tag.
+  Score s;
+  s.Title = "Song";
+  testing::SetFrets(s, 0, 0, 0, {"3", "", "5"});
+  const std::string clean = WriteMusicText(s);
+  Score expected;
+  ASSERT_EQ(ReadMusicText(clean, expected), ReadOutcome::Ok);
+  const char* const cases[] = {
+      "<f.t.dbf5\\0|3><f.t.dlx9\\2|1>",                 // drum maps of missing tracks
+      "<f.t.cap:4><f.t.str:4><f.t.vov:50><f.t.cap:7>",    // header tags past the last track
+      "<trm:0\\9|0\\1/dip|0\\0/1\\2>",                  // tremolo bar on a missing bar
+      "<dot:0|0\\7><tpt:3|0:0\\3><txt:0|0/9\\x><goto:0|0\\8/a>",  // beat tags, missing beats
+      "<p0|0\\5/2:7|0><bnd:0|0\\5/2:0\\1/2\\3/4\\5/6\\7/8\\9/0\\1/2\\3/4\\5/6:0:1>",  // notes
+  };
+  for (const char* garbage : cases) {
+    SCOPED_TRACE(garbage);
+    std::string text = clean;
+    text.insert(text.rfind('<'), garbage);
+    Score back;
+    ASSERT_EQ(ReadMusicText(text, back), ReadOutcome::Ok);
+    EXPECT_TRUE(back == expected);
+  }
+}
+
 TEST(MusicFile, VersionLineCheck) {
   const std::string body = WriteMusicText(Score()).substr(kVersionLine.size());
   for (const char* line : {"Plectaro 4.0", "Plectaro 4.1", "Plectaro 9.9"}) {
