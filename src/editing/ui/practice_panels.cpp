@@ -24,10 +24,6 @@ QString noteName(int pitch) {
   return QString::fromLatin1(names[((pitch % 12) + 12) % 12]);
 }
 
-bool holds(const std::vector<HandNote>& notes, int string, int fret) {
-  return std::any_of(notes.begin(), notes.end(), [&](const HandNote& n) { return n.string == string && n.fret == fret; });
-}
-
 bool holdsPitch(const std::vector<HandNote>& notes, int pitch) {
   return std::any_of(notes.begin(), notes.end(), [&](const HandNote& n) { return n.pitch == pitch; });
 }
