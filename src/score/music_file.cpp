@@ -770,7 +770,11 @@ void Reader::lastTrack(Fields& f) {
   int last = f.index('>');
   if (last < 0) return;
   const size_t n = static_cast<size_t>(last) + 1;
-  grow(n > s_.Tracks.size() ? (n - s_.Tracks.size()) * s_.BarInfos.size() : 0);
+  // A track is charged for its own record and the lines a writer emits for it, not only for its
+  // bars: otherwise a few bytes declaring thousands of one-bar tracks pass the budget and come
+  // back out as tens of megabytes.
+  constexpr size_t kTrackCost = 64;
+  grow(n > s_.Tracks.size() ? (n - s_.Tracks.size()) * (s_.BarInfos.size() + kTrackCost) : 0);
   const size_t before = s_.Tracks.size();
   s_.Tracks.resize(n);
   for (size_t t = before; t < n; ++t) {
