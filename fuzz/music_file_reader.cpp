@@ -15,7 +15,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   try {
     // A damaged file still gives a Score, and that Score must survive the writer too.
     // A small allowance of undeclared beats: a big one only makes each run allocate more.
-    if (ReadMusicText(plain, s, nullptr, 256) == ReadOutcome::WrongFile) return 0;
+    if (ReadMusicText(plain, s, nullptr, kFuzzAllowance) == ReadOutcome::WrongFile) return 0;
   } catch (const FileError&) {
     return 0;  // declared more than the file holds: refused cleanly
   }

@@ -16,7 +16,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   Document doc;
   try {
     // A small allowance of undeclared beats, as for the music file target.
-    ParseRecoveryFile(bytes, info, doc, settings, 256);
+    ParseRecoveryFile(bytes, info, doc, settings, kFuzzAllowance);
   } catch (const FileError&) {
     return 0;
   }

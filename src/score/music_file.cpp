@@ -393,8 +393,8 @@ class Fields {
 
 class Reader {
  public:
-  Reader(Score& s, size_t plainSize, size_t spareBeats)
-      : s_(s), beatBudget_(16 * plainSize + spareBeats) {}
+  Reader(Score& s, size_t plainSize, BeatAllowance allowance)
+      : s_(s), beatBudget_(allowance.perByte * plainSize + allowance.spare) {}
 
   void piece(std::string_view p);
 
@@ -922,7 +922,7 @@ std::string WriteMusicText(const Score& s) {
 }
 
 ReadOutcome ReadMusicText(std::string_view plain, Score& score, ReadProgress* progress,
-                          size_t spareBeats) {
+                          BeatAllowance allowance) {
   // Only the text before the last four characters of the first line counts, so a later
   // "Plectaro 4.1" would still be read.
   std::string_view line = firstLine(plain);
@@ -932,7 +932,7 @@ ReadOutcome ReadMusicText(std::string_view plain, Score& score, ReadProgress* pr
   for (Track& tr : s.Tracks) tr.DrumTrack = tr.TabStaff = tr.TrebleStaff = tr.BassStaff = false;
   s.AlwaysDrawChordCharts = s.AlwaysDrawFileHeaders = s.PasswordProtected = s.ShuffleRhythm = false;
 
-  Reader reader(s, plain.size(), spareBeats);
+  Reader reader(s, plain.size(), allowance);
   size_t pos = plain.find('<');
   while (pos != std::string_view::npos) {
     size_t next = plain.find('<', pos + 1);
@@ -961,10 +961,10 @@ OpenOutcome OpenMusicFile(Document& doc, const std::filesystem::path& path,
 }
 
 OpenOutcome OpenMusicText(Document& doc, std::string_view plain, const SettingsStore& settings,
-                          ReadProgress* progress, size_t spareBeats) {
+                          ReadProgress* progress, BeatAllowance allowance) {
   Document fresh;
   InitScore(fresh, settings);
-  const ReadOutcome read = ReadMusicText(plain, fresh.score, progress, spareBeats);
+  const ReadOutcome read = ReadMusicText(plain, fresh.score, progress, allowance);
   if (read == ReadOutcome::WrongFile) {
     ForceNewFile(doc, settings);
     return OpenOutcome::WrongFile;

@@ -40,12 +40,17 @@ std::string DescribeDamage(const ReadProgress& progress);
 // is not a music file's version line; `score` is then untouched. Throws FileError when the
 // tag stream declares more than the file could hold (a damaged file).
 //
-// A file may declare beats it never writes out (blank whole-note rests cost no bytes), so the
-// reader allows 16 beats a byte plus `spareBeats`, and refuses a file that declares more. The
-// fuzz harness passes a small allowance: the same paths are taken, with less to allocate.
-inline constexpr size_t kSpareBeats = 65536;
+// A file may declare beats it never writes out (blank whole-note rests cost no bytes, a bar
+// copy of a long bar costs a few), so the reader allows `perByte` beats for every byte plus
+// `spare`, and refuses a file that declares more. The fuzz harnesses pass a small allowance: the
+// same paths are taken, with far less to allocate and clear on every run.
+struct BeatAllowance {
+  size_t perByte = 16;
+  size_t spare = 65536;
+};
+inline constexpr BeatAllowance kFuzzAllowance{1, 256};
 ReadOutcome ReadMusicText(std::string_view plain, Score& score, ReadProgress* progress = nullptr,
-                          size_t spareBeats = kSpareBeats);
+                          BeatAllowance allowance = {});
 
 // Saves the score enciphered; the old file stays whole if anything fails (FileError).
 void SaveMusicFile(const Score& score, const std::filesystem::path& path);
@@ -63,8 +68,8 @@ OpenOutcome OpenMusicFile(Document& doc, const std::filesystem::path& path,
                           const SettingsStore& settings, ReadProgress* progress = nullptr);
 
 // OpenMusicFile on plain text already deciphered, for files that wrap a music file (recovery).
-// The document takes no file name; the caller gives it one. `spareBeats` as for ReadMusicText.
+// The document takes no file name; the caller gives it one. `allowance` as for ReadMusicText.
 OpenOutcome OpenMusicText(Document& doc, std::string_view plain, const SettingsStore& settings,
-                          ReadProgress* progress = nullptr, size_t spareBeats = kSpareBeats);
+                          ReadProgress* progress = nullptr, BeatAllowance allowance = {});
 
 }  // namespace plectaro

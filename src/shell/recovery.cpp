@@ -114,7 +114,7 @@ std::string RecoveryFileBytes(const Document& doc, std::time_t savedAt) {
 }
 
 void ParseRecoveryFile(std::string_view bytes, RecoveryFile& info, Document& doc,
-                       const SettingsStore& settings, size_t spareBeats) {
+                       const SettingsStore& settings, BeatAllowance allowance) {
   const FileError damaged("the recovery file is damaged");
   if (!bytes.starts_with(kMagic)) throw damaged;
   std::string_view rest = bytes.substr(kMagic.size());
@@ -125,7 +125,7 @@ void ParseRecoveryFile(std::string_view bytes, RecoveryFile& info, Document& doc
   if (ec != std::errc() || end != time.data() + time.size()) throw damaged;
 
   Document fresh;
-  if (OpenMusicText(fresh, CipherBytes(rest), settings, nullptr, spareBeats) != OpenOutcome::Opened)
+  if (OpenMusicText(fresh, CipherBytes(rest), settings, nullptr, allowance) != OpenOutcome::Opened)
     throw damaged;
   info.documentName = std::string(name);
   info.savedAt = static_cast<std::time_t>(seconds);

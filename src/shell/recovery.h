@@ -74,9 +74,9 @@ std::filesystem::path SetRecoveryFileAside(const std::filesystem::path& path);
 
 // The bytes of a recovery file; public for the fuzz target.
 std::string RecoveryFileBytes(const Document& doc, std::time_t savedAt);
-// Parses them; throws FileError when they are not a whole recovery file. `spareBeats` as for
-// ReadMusicText: the fuzz target passes a small one so that tiny inputs allocate little.
+// Parses them; throws FileError when they are not a whole recovery file. `allowance` as for
+// ReadMusicText: the fuzz target passes a small one so that each run allocates little.
 void ParseRecoveryFile(std::string_view bytes, RecoveryFile& info, Document& doc,
-                       const SettingsStore& settings, size_t spareBeats = kSpareBeats);
+                       const SettingsStore& settings, BeatAllowance allowance = {});
 
 }  // namespace plectaro
