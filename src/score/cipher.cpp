@@ -9,6 +9,12 @@
 namespace plectaro {
 
 std::string CipherBytes(std::string_view data, std::string_view passPhrase) {
+  std::string out(data);
+  CipherInPlace(out, passPhrase);
+  return out;
+}
+
+void CipherInPlace(std::string& data, std::string_view passPhrase) {
   std::array<uint8_t, MD5_DIGEST_SIZE> digest{};
   md5_ctx md5;
   md5_init(&md5);
@@ -20,11 +26,9 @@ std::string CipherBytes(std::string_view data, std::string_view passPhrase) {
 
   arcfour_ctx rc4;
   arcfour_set_key(&rc4, key.size(), key.data());
-  std::string out(data.size(), '\0');
-  if (!data.empty())
-    arcfour_crypt(&rc4, data.size(), reinterpret_cast<uint8_t*>(out.data()),
-                  reinterpret_cast<const uint8_t*>(data.data()));
-  return out;
+  // A stream cipher reads each byte before it writes it, so source and target may be one.
+  auto* bytes = reinterpret_cast<uint8_t*>(data.data());
+  if (!data.empty()) arcfour_crypt(&rc4, data.size(), bytes, bytes);
 }
 
 }  // namespace plectaro

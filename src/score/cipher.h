@@ -12,5 +12,8 @@ namespace plectaro {
 inline constexpr std::string_view kMusicFilePassPhrase = "tessel";
 
 std::string CipherBytes(std::string_view data, std::string_view passPhrase = kMusicFilePassPhrase);
+// The same, over the bytes where they lie: opening and saving a large score then never holds
+// the enciphered and the plain text at once.
+void CipherInPlace(std::string& data, std::string_view passPhrase = kMusicFilePassPhrase);
 
 }  // namespace plectaro

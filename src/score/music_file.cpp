@@ -397,6 +397,8 @@ class Reader {
       : s_(s), beatBudget_(allowance.perByte * plainSize + allowance.spare) {}
 
   void piece(std::string_view p);
+  // Gives every bar the beats its size tag declared and no tag has needed yet.
+  void finish();
 
   // True once every declared bar of every track had its beats (or its bar copy) read.
   bool allBarsRead() const { return readTrack_ > s_.LastTrack(); }
@@ -460,6 +462,27 @@ class Reader {
   void lastTrack(Fields& f);
   void lastBar(Fields& f);
   void lastBeat(Fields& f);
+
+  // A file sizes every bar before any bar's beats, and many bars then turn out to be copies of
+  // earlier ones. So a declared beat count waits here, per track and bar (-1: nothing waits),
+  // until a tag needs the bar's beats or the read ends; a copy drops it. A large score then
+  // never holds the beats of its copied bars at all.
+  int pendingLast(size_t t, size_t b) const {
+    return t < pending_.size() && b < pending_[t].size() ? pending_[t][b] : -1;
+  }
+  void settle(int t, int b) {
+    if (t < 0 || b < 0) return;
+    const int last = pendingLast(static_cast<size_t>(t), static_cast<size_t>(b));
+    if (last < 0) return;
+    pending_[static_cast<size_t>(t)][static_cast<size_t>(b)] = -1;
+    s_.SetBeatCount(t, b, last);
+  }
+  // Sizes that shrink take what waits for the places they drop with them, as eager sizing would.
+  void dropPendingBeyond(size_t tracks, size_t bars) {
+    if (pending_.size() > tracks) pending_.resize(tracks);
+    for (std::vector<int>& bs : pending_)
+      if (bs.size() > bars) bs.resize(bars);
+  }
 
   // ---- bar infos ----
   void repeatClose(Fields& f) {
@@ -550,6 +573,7 @@ class Reader {
     if (t < 0 || static_cast<size_t>(t) >= s_.Tracks.size()) return scratch_;
     const Track& tr = s_.Tracks[static_cast<size_t>(t)];
     if (b < 0 || static_cast<size_t>(b) >= tr.Bars.size()) return scratch_;
+    settle(t, b);
     if (k < 0 || static_cast<size_t>(k) >= tr.Bars[static_cast<size_t>(b)]->Beats.size()) return scratch_;
     return s_.beatMut(t, b, k);
   }
@@ -636,6 +660,7 @@ class Reader {
   }
 
   Score& s_;
+  std::vector<std::vector<int>> pending_;
   Beat scratch_;
   Track scratchTrack_;
   size_t beatBudget_;
@@ -777,6 +802,7 @@ void Reader::lastTrack(Fields& f) {
   grow(n > s_.Tracks.size() ? (n - s_.Tracks.size()) * (s_.BarInfos.size() + kTrackCost) : 0);
   const size_t before = s_.Tracks.size();
   s_.Tracks.resize(n);
+  dropPendingBeyond(n, s_.BarInfos.size());
   for (size_t t = before; t < n; ++t) {
     Track& tr = s_.Tracks[t];
     // Flags a file writes only when true start out false, as on every track of a load.
@@ -791,6 +817,7 @@ void Reader::lastBar(Fields& f) {
   const size_t n = static_cast<size_t>(last) + 1;
   grow(n > s_.BarInfos.size() ? (n - s_.BarInfos.size()) * s_.Tracks.size() : 0);
   s_.SetBarCount(last);
+  dropPendingBeyond(s_.Tracks.size(), n);
 }
 
 void Reader::lastBeat(Fields& f) {
@@ -798,9 +825,21 @@ void Reader::lastBeat(Fields& f) {
   int b = f.index('/');
   int last = f.index('>');
   if (last < 0) return;
+  // The place is checked now (a tag naming none is skipped) and the budget charged now; the
+  // count itself is 16-bit like every index, so sizing later cannot fail.
   const size_t have = s_.bar(t, b).Beats.size();
-  if (static_cast<size_t>(last) + 1 > have) grow(static_cast<size_t>(last) + 1 - have);
-  s_.SetBeatCount(t, b, last);
+  const auto ut = static_cast<size_t>(t), ub = static_cast<size_t>(b);
+  const int waiting = pendingLast(ut, ub);
+  const size_t now = waiting >= 0 ? static_cast<size_t>(waiting) + 1 : have;
+  if (static_cast<size_t>(last) + 1 > now) grow(static_cast<size_t>(last) + 1 - now);
+  if (pending_.size() <= ut) pending_.resize(ut + 1);
+  if (pending_[ut].size() <= ub) pending_[ut].resize(s_.Tracks[ut].Bars.size(), -1);
+  pending_[ut][ub] = last;
+}
+
+void Reader::finish() {
+  for (size_t t = 0; t < pending_.size(); ++t)
+    for (size_t b = 0; b < pending_[t].size(); ++b) settle(static_cast<int>(t), static_cast<int>(b));
 }
 
 void Reader::lyric(Fields& f) {
@@ -830,7 +869,10 @@ void Reader::barCopy(Fields& f) {
     if (b < 0 || from < 0 || static_cast<size_t>(b) >= tr.Bars.size() ||
         static_cast<size_t>(from) >= tr.Bars.size())
       throw ScoreError("bar copy out of range");
+    settle(t, from);
     tr.Bars[static_cast<size_t>(b)] = tr.Bars[static_cast<size_t>(from)];
+    if (pendingLast(static_cast<size_t>(t), static_cast<size_t>(b)) >= 0)
+      pending_[static_cast<size_t>(t)][static_cast<size_t>(b)] = -1;
   } catch (const ScoreError&) {
   }
   stepBar();
@@ -838,6 +880,7 @@ void Reader::barCopy(Fields& f) {
 
 void Reader::length(Fields& f) {
   const int32_t len = f.i32('>');
+  settle(readTrack_, readBar_);
   s_.beatMut(readTrack_, readBar_, readBeat_).Length = len;
   if (readBeat_ < s_.GetLastBeat(readTrack_, readBar_))
     ++readBeat_;
@@ -940,6 +983,7 @@ ReadOutcome ReadMusicText(std::string_view plain, Score& score, ReadProgress* pr
                                                                         : next - pos - 1));
     pos = next;
   }
+  reader.finish();
   // The reader itself never notices a file that stops early: it fills what it meets. Every
   // saved file ends in CR LF after the last tag, and every bar it sizes gets its beats or a bar
   // copy, so a file cut short fails one of the two.
@@ -950,12 +994,16 @@ ReadOutcome ReadMusicText(std::string_view plain, Score& score, ReadProgress* pr
 }
 
 void SaveMusicFile(const Score& score, const std::filesystem::path& path) {
-  WriteFileAtomically(path, CipherBytes(WriteMusicText(score)));
+  std::string bytes = WriteMusicText(score);
+  CipherInPlace(bytes);
+  WriteFileAtomically(path, bytes);
 }
 
 OpenOutcome OpenMusicFile(Document& doc, const std::filesystem::path& path,
                           const SettingsStore& settings, ReadProgress* progress) {
-  const OpenOutcome r = OpenMusicText(doc, CipherBytes(ReadWholeFile(path)), settings, progress);
+  std::string plain = ReadWholeFile(path);
+  CipherInPlace(plain);
+  const OpenOutcome r = OpenMusicText(doc, plain, settings, progress);
   if (r == OpenOutcome::Opened) doc.score.CurrentFileName = path.string();
   return r;
 }

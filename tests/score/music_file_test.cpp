@@ -237,6 +237,37 @@ TEST(MusicFile, TagsNamingPlacesTheFileNeverSizedAreSkipped) {
   }
 }
 
+TEST(MusicFile, SizeTagsAppliedInFileOrder) {
+  // Sizes, copies and shrinking in orders the writer never uses, each after the last bar: the
+  // bars must come out as if every tag had been applied the moment it was read.
+  Score s;
+  s.SetBarCount(2);
+  testing::SetFrets(s, 0, 0, 0, {"3"});
+  testing::SetFrets(s, 0, 1, 0, {"5"});
+  const std::string clean = WriteMusicText(s);
+  struct Case {
+    const char* tail;
+    int lastBeatOf[3];
+    const char* fretOfBar2;
+  };
+  const Case cases[] = {
+      {"<\xB5" "0|0/3>", {3, 0, 0}, ""},                     // a bar grown after its beats
+      {"<\xB5" "0|2/5><\x90" "0><\x90" "2>", {0, 0, 0}, ""},  // sized, dropped, grown anew
+      {"<\xB5" "0|1/5><TB=0\\2|1>", {0, 5, 5}, "5"},        // a copy of a bar just grown
+      {"<\xB5" "0|2/5><TB=0\\2|0>", {0, 0, 0}, "3"},        // a size the copy replaces
+      {"<TB=0\\2|1><\xB5" "0|2/4>", {0, 0, 4}, "5"},        // a copy grown afterwards
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.tail);
+    std::string text = clean;
+    text.insert(text.size() - 2, c.tail);
+    Score back;
+    ReadMusicText(text, back);
+    for (int b = 0; b < 3; ++b) EXPECT_EQ(back.GetLastBeat(0, b), c.lastBeatOf[b]) << "bar " << b;
+    EXPECT_EQ(back.note(0, 2, 0, 0).Fret, c.fretOfBar2);
+  }
+}
+
 TEST(MusicFile, VersionLineCheck) {
   const std::string body = WriteMusicText(Score()).substr(kVersionLine.size());
   for (const char* line : {"Plectaro 4.0", "Plectaro 4.1", "Plectaro 9.9"}) {

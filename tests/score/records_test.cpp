@@ -62,7 +62,7 @@ TEST(Records, CopiesShareBarsUntilOneIsWritten) {
 // Texts on both sides of the inline limit (15) and far beyond it behave as std::string does:
 // copies, moves, comparisons, the NUL at the end, concatenation.
 TEST(Records, SmallTextActsAsAString) {
-  for (const std::string want : {std::string(), std::string("7"), std::string(14, 'a'), std::string(15, 'b'),
+  for (const std::string& want : {std::string(), std::string("7"), std::string(14, 'a'), std::string(15, 'b'),
                                  std::string(16, 'c'), std::string(300, 'd'), std::string("\xc2\xbd")}) {
     SmallText t = want;
     EXPECT_EQ(t.size(), want.size());
