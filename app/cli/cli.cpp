@@ -1,6 +1,7 @@
 #include "cli.h"
 
 #include <algorithm>
+#include <ostream>
 #include <map>
 
 #include "score/new_score.h"
@@ -113,6 +114,42 @@ const Player* FindPlayer(const std::filesystem::path& file) {
 const std::vector<Verb>& Verbs() {
   std::sort(verbList().begin(), verbList().end(), [](const Verb& a, const Verb& b) { return a.name < b.name; });
   return verbList();
+}
+
+const Verb* FindVerb(const std::string& name) {
+  for (const Verb& v : Verbs())
+    if (v.name == name) return &v;
+  return nullptr;
+}
+
+void PrintUsage(std::ostream& out) {
+  out << "usage: plectaro-cli [--home DIR] VERB ...\n\nverbs:\n";
+  for (const Verb& v : Verbs()) out << "  " << v.usage << "\n";
+}
+
+CommandLine ParseCommandLine(int argc, char** argv) {
+  CommandLine line;
+  line.words.assign(argv + 1, argv + argc);
+  if (line.words.size() >= 2 && line.words[0] == "--home") {
+    line.home = line.words[1];
+    line.words.erase(line.words.begin(), line.words.begin() + 2);
+  }
+  return line;
+}
+
+int RunVerb(const Verb& verb, const std::vector<std::string>& arguments, Context& ctx) {
+  try {
+    Args args(arguments, verb.valueOptions, verb.flagOptions);
+    ctx.args = &args;
+    return verb.run(ctx, args);
+  } catch (const UsageError& e) {
+    ctx.err << "plectaro-cli " << verb.name << ": " << e.what() << "\nusage: plectaro-cli " << verb.usage << "\n";
+    return 2;
+  } catch (const std::exception& e) {
+    // Bad input of every kind (InputError, FileError, ScoreError...): one line, exit 1.
+    ctx.err << "plectaro-cli: " << e.what() << "\n";
+    return 1;
+  }
 }
 
 std::string ExtensionOf(const std::filesystem::path& path) {

@@ -95,6 +95,17 @@ const Converter* FindConverter(const std::filesystem::path& in, const std::files
 const Player* FindPlayer(const std::filesystem::path& file);
 
 const std::vector<Verb>& Verbs();
+const Verb* FindVerb(const std::string& name);
+void PrintUsage(std::ostream& out);
+
+// The words of a command line: --home DIR first if given, then the verb and its arguments.
+struct CommandLine {
+  std::string home;
+  std::vector<std::string> words;
+};
+CommandLine ParseCommandLine(int argc, char** argv);
+// Runs the verb on the arguments after it; the exit code, with the message of any failure.
+int RunVerb(const Verb& verb, const std::vector<std::string>& arguments, Context& ctx);
 // Lower-case extension with its dot: ".plm".
 std::string ExtensionOf(const std::filesystem::path& path);
 // Loads any known kind into a fresh document; InputError for an unknown kind or a bad file.

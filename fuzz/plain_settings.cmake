@@ -1,0 +1,1 @@
+set(FUZZ_LIBS plectaro_shell plectaro_score)
