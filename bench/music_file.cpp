@@ -23,8 +23,9 @@ Score bigScore(bool repeating) {
       const int seed = repeating ? b % 4 : b;
       for (int k = 0; k < 8; ++k) {
         tb.Beats[static_cast<size_t>(k)].Length = kEighth;
-        // Strings 0 and 1 spell the bar number in base 24, so no two bars are alike.
-        const int frets[6] = {seed % 24, seed / 24 % 24, (k + t) % 24, (k * 3) % 24, (k * 5 + 1) % 24, k};
+        // Strings 0 and 1 spell the bar number in base 24 and string 2 carries the next digit
+        // (two digits alone repeat from bar 577 on), so no two bars of a track are alike.
+        const int frets[6] = {seed % 24, seed / 24 % 24, (k + t + seed / 576) % 24, (k * 3) % 24, (k * 5 + 1) % 24, k};
         for (int str = 0; str < 6; ++str)
           tb.Beats[static_cast<size_t>(k)].Notes[static_cast<size_t>(str)].Fret = std::to_string(frets[str]);
       }

@@ -17,13 +17,17 @@ mv "$work/plectaro-bench.plm" "$big"
 
 median() { sort -g | awk '{v[NR] = $1} END {print v[int((NR + 1) / 2)]}'; }
 
-walls=() peaks=()
-for ((i = 0; i < runs; i++)); do
-  read -r wall peak < <(/usr/bin/time -f '%e %M' build/release/app/cli/plectaro-cli convert "$big" "$work/out.plm" 2>&1 >/dev/null | tail -1)
-  walls+=("$wall") peaks+=("$peak")
+# The front program, and beside it the full one that every other verb runs in: the difference
+# is what loading the toolkit and the synthesizer costs a batch run.
+for cli in plectaro-cli plectaro-cli-full; do
+  walls=() peaks=()
+  for ((i = 0; i < runs; i++)); do
+    read -r wall peak < <(/usr/bin/time -f '%e %M' "build/release/app/cli/$cli" convert "$big" "$work/out.plm" 2>&1 >/dev/null | tail -1)
+    walls+=("$wall") peaks+=("$peak")
+  done
+  printf '%s convert %s (%d bytes): median %s s wall, %s MB peak\n' "$cli" "big.plm" "$(stat -c %s "$big")" \
+    "$(printf '%s\n' "${walls[@]}" | median)" "$(printf '%s\n' "${peaks[@]}" | median | awk '{printf "%.1f", $1 / 1024}')"
 done
-printf 'convert %s (%d bytes): median %s s wall, %s MB peak\n' "big.plm" "$(stat -c %s "$big")" \
-  "$(printf '%s\n' "${walls[@]}" | median)" "$(printf '%s\n' "${peaks[@]}" | median | awk '{printf "%.1f", $1 / 1024}')"
 
 for song in data/examples/band.plm "$big"; do
   starts=() sounds=() mems=()

@@ -15,6 +15,10 @@ std::string CipherBytes(std::string_view data, std::string_view passPhrase) {
 }
 
 void CipherInPlace(std::string& data, std::string_view passPhrase) {
+  StreamCipher(passPhrase).apply(data.data(), data.size());
+}
+
+StreamCipher::StreamCipher(std::string_view passPhrase) : state_(std::make_unique<arcfour_ctx>()) {
   std::array<uint8_t, MD5_DIGEST_SIZE> digest{};
   md5_ctx md5;
   md5_init(&md5);
@@ -24,11 +28,15 @@ void CipherInPlace(std::string& data, std::string_view passPhrase) {
   std::array<uint8_t, 16> key{};  // 5 key bytes, then 11 bytes of zero salt
   for (size_t i = 0; i < 5; ++i) key[i] = digest[i];
 
-  arcfour_ctx rc4;
-  arcfour_set_key(&rc4, key.size(), key.data());
+  arcfour_set_key(state_.get(), key.size(), key.data());
+}
+
+StreamCipher::~StreamCipher() = default;
+
+void StreamCipher::apply(char* bytes, size_t n) {
   // A stream cipher reads each byte before it writes it, so source and target may be one.
-  auto* bytes = reinterpret_cast<uint8_t*>(data.data());
-  if (!data.empty()) arcfour_crypt(&rc4, data.size(), bytes, bytes);
+  auto* b = reinterpret_cast<uint8_t*>(bytes);
+  if (n > 0) arcfour_crypt(state_.get(), n, b, b);
 }
 
 }  // namespace plectaro

@@ -3,8 +3,12 @@
 // cipher, so enciphering and deciphering are one operation and the length never changes.
 #pragma once
 
+#include <cstddef>
+#include <memory>
 #include <string>
 #include <string_view>
+
+struct arcfour_ctx;
 
 namespace plectaro {
 
@@ -15,5 +19,17 @@ std::string CipherBytes(std::string_view data, std::string_view passPhrase = kMu
 // The same, over the bytes where they lie: opening and saving a large score then never holds
 // the enciphered and the plain text at once.
 void CipherInPlace(std::string& data, std::string_view passPhrase = kMusicFilePassPhrase);
+
+// The cipher over bytes that come in pieces, each going on where the last one stopped: a large
+// file is then read and written without ever being whole in memory.
+class StreamCipher {
+ public:
+  explicit StreamCipher(std::string_view passPhrase = kMusicFilePassPhrase);
+  ~StreamCipher();
+  void apply(char* bytes, size_t n);
+
+ private:
+  std::unique_ptr<arcfour_ctx> state_;
+};
 
 }  // namespace plectaro

@@ -947,72 +947,138 @@ std::string DescribeDamage(const ReadProgress& p) {
          std::to_string(p.barsDeclared) + " bars could be read";
 }
 
-std::string WriteMusicText(const Score& s) {
-  std::string text;
-  text.reserve(estimatedLength(s));
+namespace {
+
+// Writes the file's text into `text`; with a `drain`, hands it over (to be emptied) after the
+// head and after each track, so that a large score is never held whole as text as well.
+void writeMusic(const Score& s, std::string& text, const std::function<void(std::string&)>* drain) {
   Out o(text);
+  const auto part = [&] {
+    if (drain) (*drain)(text);
+  };
   o << kVersionLine << "\r\n";
   writeDocumentFields(o, s);
   writeSizes(o, s);
   writeBarInfos(o, s);
+  part();
   for (int t = 0; t <= s.LastTrack(); ++t) {
     const Track& tr = s.Tracks[static_cast<size_t>(t)];
     writeTrackHeader(o, tr, t);
     writeTrackBars(o, tr, t);
+    part();
   }
   o << "\r\n";
-  return text;
+  part();
 }
 
-ReadOutcome ReadMusicText(std::string_view plain, Score& score, ReadProgress* progress,
-                          BeatAllowance allowance) {
+bool isVersionLine(std::string_view line) {
   // Only the text before the last four characters of the first line counts, so a later
   // "Plectaro 4.1" would still be read.
-  std::string_view line = firstLine(plain);
-  if (line.size() < 4 || line.substr(0, line.size() - 4) != "Plectaro") return ReadOutcome::WrongFile;
+  return line.size() >= 4 && line.substr(0, line.size() - 4) == "Plectaro";
+}
+
+// Hands the reader every piece of `text` between one '<' and the next. Until the text is
+// `last`, the piece after the last '<' may go on in the next bytes: it is left, and its start
+// returned. What stands before the first '<' is never a tag.
+size_t feedPieces(Reader& reader, std::string_view text, bool last) {
+  size_t pos = text.find('<');
+  if (pos == std::string_view::npos) return text.size();
+  for (;;) {
+    const size_t next = text.find('<', pos + 1);
+    if (next == std::string_view::npos) {
+      if (!last) return pos;
+      reader.piece(text.substr(pos + 1));
+      return text.size();
+    }
+    reader.piece(text.substr(pos + 1, next - pos - 1));
+    pos = next;
+  }
+}
+
+// Reads a music file's text of `size` bytes that `more` appends to a buffer a piece at a time
+// (false once there is no more).
+ReadOutcome readMusic(size_t size, const std::function<bool(std::string&)>& more, Score& score,
+                      ReadProgress* progress, BeatAllowance allowance) {
+  std::string buf, ending;
+  bool done = false;
+  const auto fill = [&] {
+    const size_t before = buf.size();
+    if (done || !more(buf)) {
+      done = true;
+      return;
+    }
+    // The last two bytes of the text so far, for the check of a whole file below.
+    ending += std::string_view(buf).substr(std::max(before, buf.size() - std::min<size_t>(buf.size(), 2)));
+    if (ending.size() > 2) ending.erase(0, ending.size() - 2);
+  };
+  // Enough for the first line, or to know it is longer than a version line can be.
+  while (!done && buf.find_first_of("\r\n") == std::string::npos && buf.size() <= 12) fill();
+  if (!isVersionLine(firstLine(buf))) return ReadOutcome::WrongFile;
 
   Score s = score;
   for (Track& tr : s.Tracks) tr.DrumTrack = tr.TabStaff = tr.TrebleStaff = tr.BassStaff = false;
   s.AlwaysDrawChordCharts = s.AlwaysDrawFileHeaders = s.PasswordProtected = s.ShuffleRhythm = false;
 
-  Reader reader(s, plain.size(), allowance);
-  size_t pos = plain.find('<');
-  while (pos != std::string_view::npos) {
-    size_t next = plain.find('<', pos + 1);
-    reader.piece(plain.substr(pos + 1, next == std::string_view::npos ? std::string_view::npos
-                                                                        : next - pos - 1));
-    pos = next;
+  Reader reader(s, size, allowance);
+  for (;;) {
+    buf.erase(0, feedPieces(reader, buf, done));
+    if (done) break;
+    fill();
   }
   reader.finish();
   // The reader itself never notices a file that stops early: it fills what it meets. Every
   // saved file ends in CR LF after the last tag, and every bar it sizes gets its beats or a bar
   // copy, so a file cut short fails one of the two.
-  const bool complete = reader.allBarsRead() && plain.ends_with("\r\n");
+  const bool complete = reader.allBarsRead() && ending == "\r\n";
   if (progress) *progress = reader.progress();
   score = std::move(s);
   return complete ? ReadOutcome::Ok : ReadOutcome::Damaged;
 }
 
+
+}  // namespace
+
+std::string WriteMusicText(const Score& s) {
+  std::string text;
+  text.reserve(estimatedLength(s));
+  writeMusic(s, text, nullptr);
+  return text;
+}
+
+ReadOutcome ReadMusicText(std::string_view plain, Score& score, ReadProgress* progress,
+                          BeatAllowance allowance) {
+  size_t at = 0;
+  const auto more = [&](std::string& buf) {
+    if (at == plain.size()) return false;
+    const size_t n = std::min(kMusicReadPiece, plain.size() - at);
+    buf.append(plain.substr(at, n));
+    at += n;
+    return true;
+  };
+  return readMusic(plain.size(), more, score, progress, allowance);
+}
+
 void SaveMusicFile(const Score& score, const std::filesystem::path& path) {
-  std::string bytes = WriteMusicText(score);
-  CipherInPlace(bytes);
-  WriteFileAtomically(path, bytes);
+  WriteFileAtomically(path, [&](const ByteSink& put) {
+    StreamCipher cipher;
+    const std::function<void(std::string&)> drain = [&](std::string& piece) {
+      cipher.apply(piece.data(), piece.size());
+      put(piece);
+      piece.clear();
+    };
+    std::string text;
+    writeMusic(score, text, &drain);
+  });
 }
 
-OpenOutcome OpenMusicFile(Document& doc, const std::filesystem::path& path,
-                          const SettingsStore& settings, ReadProgress* progress) {
-  std::string plain = ReadWholeFile(path);
-  CipherInPlace(plain);
-  const OpenOutcome r = OpenMusicText(doc, plain, settings, progress);
-  if (r == OpenOutcome::Opened) doc.score.CurrentFileName = path.string();
-  return r;
-}
+namespace {
 
-OpenOutcome OpenMusicText(Document& doc, std::string_view plain, const SettingsStore& settings,
-                          ReadProgress* progress, BeatAllowance allowance) {
+// Open as File > Open does, with `read` filling the fresh score.
+OpenOutcome openWith(Document& doc, const SettingsStore& settings,
+                     const std::function<ReadOutcome(Score&)>& read_) {
   Document fresh;
   InitScore(fresh, settings);
-  const ReadOutcome read = ReadMusicText(plain, fresh.score, progress, allowance);
+  const ReadOutcome read = read_(fresh.score);
   if (read == ReadOutcome::WrongFile) {
     ForceNewFile(doc, settings);
     return OpenOutcome::WrongFile;
@@ -1028,6 +1094,30 @@ OpenOutcome OpenMusicText(Document& doc, std::string_view plain, const SettingsS
   doc.Layout.clear();
   doc.FullRelayout = true;
   return read == ReadOutcome::Damaged ? OpenOutcome::Damaged : OpenOutcome::Opened;
+}
+
+}  // namespace
+
+OpenOutcome OpenMusicFile(Document& doc, const std::filesystem::path& path,
+                          const SettingsStore& settings, ReadProgress* progress) {
+  FileReader in(path);
+  StreamCipher cipher;
+  const auto more = [&](std::string& buf) {
+    const size_t before = buf.size();
+    if (!in.readSome(buf, kMusicReadPiece)) return false;
+    cipher.apply(buf.data() + before, buf.size() - before);
+    return true;
+  };
+  const OpenOutcome r = openWith(doc, settings, [&](Score& s) {
+    return readMusic(in.size(), more, s, progress, BeatAllowance{});
+  });
+  if (r == OpenOutcome::Opened) doc.score.CurrentFileName = path.string();
+  return r;
+}
+
+OpenOutcome OpenMusicText(Document& doc, std::string_view plain, const SettingsStore& settings,
+                          ReadProgress* progress, BeatAllowance allowance) {
+  return openWith(doc, settings, [&](Score& s) { return ReadMusicText(plain, s, progress, allowance); });
 }
 
 }  // namespace plectaro

@@ -49,6 +49,9 @@ struct BeatAllowance {
   size_t spare = 65536;
 };
 inline constexpr BeatAllowance kFuzzAllowance{1, 256};
+// The text is read, and a file deciphered, in pieces of this size: a large score is never held
+// whole as text beside its records.
+inline constexpr size_t kMusicReadPiece = size_t(256) << 10;
 ReadOutcome ReadMusicText(std::string_view plain, Score& score, ReadProgress* progress = nullptr,
                           BeatAllowance allowance = {});
 

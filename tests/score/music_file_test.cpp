@@ -315,6 +315,48 @@ TEST_F(MusicFileOnDisk, SavedFileIsAsLongAsItsPlainTextAndOpensAgain) {
   EXPECT_EQ(doc.score, s);
 }
 
+// Large files are read and written in pieces. Texts ending just before, on and after the edges
+// of the pieces, tags cut by them, and the closing CR LF split between two pieces must all read
+// as the whole text does, from memory and from disk; cut short, they must still be damaged.
+TEST_F(MusicFileOnDisk, LargeFilesReadAcrossThePiecesTheyAreReadIn) {
+  Score big = testing::EveryTagScore();
+  big.SetBarCount(299);
+  for (int b = 1; b < 300; ++b)
+    for (int k = 0; k < 6; ++k) {
+      big.SetBeatCount(0, b, 5);
+      testing::SetFrets(big, 0, b, k, {std::to_string(b % 24), std::to_string(k), "7", "x", "12", std::to_string(b / 24)});
+    }
+  big.Notes = "n";
+  const size_t bare = WriteMusicText(big).size() - 1;
+  ASSERT_LT(bare + 8, kMusicReadPiece);
+  for (const size_t length : {kMusicReadPiece - 1, kMusicReadPiece, kMusicReadPiece + 1, kMusicReadPiece + 2,
+                              2 * kMusicReadPiece + 1}) {
+    SCOPED_TRACE(length);
+    // The notes field pads the text to the length wanted.
+    Score s = big;
+    s.Notes.assign(length - bare, 'n');
+    const std::string text = WriteMusicText(s);
+    ASSERT_EQ(text.size(), length);
+    Score back;
+    ASSERT_EQ(ReadMusicText(text, back), ReadOutcome::Ok);
+    EXPECT_EQ(back, s);
+
+    const fs::path p = dir / "big.plm";
+    SaveMusicFile(s, p);
+    EXPECT_EQ(ReadWholeFile(p), CipherBytes(text));
+    Document doc;
+    ASSERT_EQ(OpenMusicFile(doc, p, settings), OpenOutcome::Opened);
+    s.CurrentFileName = p.string();
+    EXPECT_EQ(doc.score, s);
+
+    for (const size_t cut : {length - 1, length - 2, kMusicReadPiece, kMusicReadPiece - 1}) {
+      if (cut >= length) continue;
+      writeBytes(p, CipherBytes(std::string_view(text).substr(0, cut)));
+      EXPECT_EQ(OpenMusicFile(doc, p, settings), OpenOutcome::Damaged) << "cut at " << cut;
+    }
+  }
+}
+
 TEST_F(MusicFileOnDisk, FilesThatAreNotMusicFilesGiveANewScore) {
   SaveMusicFile(Score(), dir / "good.plm");
   const std::string good = ReadWholeFile(dir / "good.plm");
