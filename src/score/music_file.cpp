@@ -1035,7 +1035,6 @@ ReadOutcome readMusic(size_t size, const std::function<bool(std::string&)>& more
   return complete ? ReadOutcome::Ok : ReadOutcome::Damaged;
 }
 
-
 }  // namespace
 
 std::string WriteMusicText(const Score& s) {

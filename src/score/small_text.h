@@ -8,6 +8,7 @@
 // field as text does not change.
 #pragma once
 
+#include <concepts>
 #include <cstdint>
 #include <cstring>
 #include <ostream>
@@ -73,8 +74,18 @@ class SmallText {
     std::memcpy(o.b_, t, sizeof b_);
   }
 
-  friend bool operator==(const SmallText& a, std::string_view b) noexcept { return a.view() == b; }
-  friend auto operator<=>(const SmallText& a, std::string_view b) noexcept { return a.view() <=> b; }
+  // Templates rather than plain string_view overloads: with those, SmallText == SmallText could go
+  // through the conversion either way round, which C++20's reversed candidates make ambiguous.
+  template <class T>
+    requires std::convertible_to<const T&, std::string_view>
+  friend bool operator==(const SmallText& a, const T& b) noexcept {
+    return a.view() == std::string_view(b);
+  }
+  template <class T>
+    requires std::convertible_to<const T&, std::string_view>
+  friend auto operator<=>(const SmallText& a, const T& b) noexcept {
+    return a.view() <=> std::string_view(b);
+  }
   friend std::string operator+(const SmallText& a, std::string_view b) { return a.str().append(b); }
   friend std::string operator+(const std::string& a, const SmallText& b) { return std::string(a).append(b.view()); }
   friend std::string operator+(std::string&& a, const SmallText& b) { return std::move(a.append(b.view())); }
