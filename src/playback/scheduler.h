@@ -26,7 +26,7 @@ struct PlaybackOptions {
   int CurrentTrack = 0;  // the track shown in the window, whose beats move the marker
   // Tracks the mix table has muted (or left out of a solo), by track index; a track beyond
   // the list sounds. They still keep time, so unmuting brings them in at the right beat.
-  std::vector<bool> Silenced;
+  std::vector<bool> Silenced = {};
   EffectSettings Effects = {};
 };
 

@@ -81,7 +81,9 @@ TEST(NotationEntry, ChordsStringChoiceAndRefusals) {
     }
     for (const auto& [string, fret] : c.expect) EXPECT_EQ(e.fret(0, 0, string), fret) << c.what << " string " << string;
     EXPECT_EQ(!said.empty(), c.refused) << c.what;
-    if (!said.empty()) EXPECT_EQ(said[0], "This pitch cannot be played on this track's strings.");
+    if (!said.empty()) {
+      EXPECT_EQ(said[0], "This pitch cannot be played on this track's strings.");
+    }
   }
 }
 

@@ -32,7 +32,7 @@ struct ExportEnvironment {
   std::function<std::string(std::string_view)> text;  // str_ keys
   std::function<PlaybackOptions()> playback;     // count-in and metronome as set
   std::string soundFont;
-  std::function<TextExportOptions()> textOptions;  // the text tab that File > Export > PDF prints
+  std::function<TextExportOptions()> textOptions = {};  // the text tab that File > Export > PDF prints
 };
 
 // The engraved pages of the current track (or all tracks) as a PDF; asks for the file.
