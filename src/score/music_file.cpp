@@ -484,35 +484,51 @@ class Reader {
       if (bs.size() > bars) bs.resize(bars);
   }
 
+  // Tags naming a track or bar the file never sized are skipped the way beats are (see beatAt):
+  // they write to scratch records that nothing reads, since an exception a tag slowed damaged
+  // files down.
+  BarInfo& barInfoAt(int b) {
+    return b >= 0 && static_cast<size_t>(b) < s_.BarInfos.size() ? s_.BarInfos[static_cast<size_t>(b)]
+                                                                  : scratchBarInfo_;
+  }
+  Track& trackAt(int t) {
+    return t >= 0 && static_cast<size_t>(t) < s_.Tracks.size() ? s_.Tracks[static_cast<size_t>(t)] : scratchTrack_;
+  }
+  bool barSized(int t, int b) const {
+    return t >= 0 && static_cast<size_t>(t) < s_.Tracks.size() && b >= 0 &&
+           static_cast<size_t>(b) < s_.Tracks[static_cast<size_t>(t)].Bars.size();
+  }
+  TrackBar& barAt(int t, int b) { return barSized(t, b) ? s_.barMut(t, b) : scratchBar_; }
+
   // ---- bar infos ----
   void repeatClose(Fields& f) {
     int b = f.index('|');
-    s_.barInfoMut(b).RepeatClose = f.i16('>');
+    barInfoAt(b).RepeatClose = f.i16('>');
   }
-  void denominator(Fields& f) { s_.barInfoMut(denominatorBar_++).TimeSigDenominator = f.i32('>'); }
-  void numerator(Fields& f) { s_.barInfoMut(numeratorBar_++).TimeSigNumerator = f.i32('>'); }
-  void repeatOpen(Fields& f) { s_.barInfoMut(f.index('>')).RepeatOpen = true; }
-  void dsAlCoda(Fields& f) { s_.barInfoMut(f.index('>')).DSAlCoda = true; }
-  void coda(Fields& f) { s_.barInfoMut(f.index('>')).Coda = true; }
-  void toCoda(Fields& f) { s_.barInfoMut(f.index('>')).ToCoda = true; }
-  void sign(Fields& f) { s_.barInfoMut(f.index('>')).Sign = true; }
+  void denominator(Fields& f) { barInfoAt(denominatorBar_++).TimeSigDenominator = f.i32('>'); }
+  void numerator(Fields& f) { barInfoAt(numeratorBar_++).TimeSigNumerator = f.i32('>'); }
+  void repeatOpen(Fields& f) { barInfoAt(f.index('>')).RepeatOpen = true; }
+  void dsAlCoda(Fields& f) { barInfoAt(f.index('>')).DSAlCoda = true; }
+  void coda(Fields& f) { barInfoAt(f.index('>')).Coda = true; }
+  void toCoda(Fields& f) { barInfoAt(f.index('>')).ToCoda = true; }
+  void sign(Fields& f) { barInfoAt(f.index('>')).Sign = true; }
 
   // ---- track header ----
-  void reverb(Fields& f) { s_.trackMut(f.index('>')).Reverb = true; }
+  void reverb(Fields& f) { trackAt(f.index('>')).Reverb = true; }
   void lyric(Fields& f);
-  void octaveDown(Fields& f) { s_.trackMut(f.index('>')).OctaveDown = true; }
-  void octaveUp(Fields& f) { s_.trackMut(f.index('>')).OctaveUp = true; }
-  void bass(Fields& f) { s_.trackMut(f.index('>')).BassStaff = true; }
-  void tab(Fields& f) { s_.trackMut(f.index('>')).TabStaff = true; }
-  void treble(Fields& f) { s_.trackMut(f.index('>')).TrebleStaff = true; }
-  void drum(Fields& f) { s_.trackMut(f.index('>')).DrumTrack = true; }
+  void octaveDown(Fields& f) { trackAt(f.index('>')).OctaveDown = true; }
+  void octaveUp(Fields& f) { trackAt(f.index('>')).OctaveUp = true; }
+  void bass(Fields& f) { trackAt(f.index('>')).BassStaff = true; }
+  void tab(Fields& f) { trackAt(f.index('>')).TabStaff = true; }
+  void treble(Fields& f) { trackAt(f.index('>')).TrebleStaff = true; }
+  void drum(Fields& f) { trackAt(f.index('>')).DrumTrack = true; }
   void drumMap(Fields& f, size_t field) {
     int t = f.index('\\');
     int str = f.index('|');
     // Skipped, as a tag naming a beat the file never sized is (see beatAt).
     if (t < 0 || static_cast<size_t>(t) >= s_.Tracks.size()) return;
     Track& tr = s_.Tracks[static_cast<size_t>(t)];
-    if (str < 0 || str >= kMaxStrings) throw ScoreError("drum map line out of range");
+    if (str < 0 || str >= kMaxStrings) return;
     tr.DrumMaps[static_cast<size_t>(str)].Drum[field] = f.i16('>');
   }
   template <size_t Field>
@@ -552,12 +568,12 @@ class Reader {
   void key(Fields& f) {
     int t = f.index('\\');
     int b = f.index('/');
-    s_.barMut(t, b).KeySignature = f.i32('>');
+    barAt(t, b).KeySignature = f.i32('>');
   }
   void keyMinor(Fields& f) {
     int t = f.index('\\');
     int b = f.index('/');
-    s_.barMut(t, b).KeyMinor = f.flag('>');
+    barAt(t, b).KeyMinor = f.flag('>');
   }
   // Most beat and note tags begin t|b\k.
   Beat& beatAt(Fields& f, char afterBar = '\\', char afterBeat = '/') {
@@ -580,7 +596,7 @@ class Reader {
   NoteSlot& noteAt(Fields& f, char afterString) {
     Beat& bt = beatAt(f);
     int str = f.index(afterString);
-    if (str < 0 || str >= kMaxStrings) throw ScoreError("string out of range");
+    if (str < 0 || str >= kMaxStrings) return scratch_.Notes[0];
     return bt.Notes[static_cast<size_t>(str)];
   }
   // Every handler takes the place first: the fields are read in file order.
@@ -614,7 +630,7 @@ class Reader {
   void harmonic(Fields& f) {
     Beat& bt = beatAt(f, '\\', ':');
     int str = f.index('/');
-    if (str < 0 || str >= kMaxStrings) throw ScoreError("string out of range");
+    if (str < 0 || str >= kMaxStrings) return;
     bt.Notes[static_cast<size_t>(str)].Harmonic = f.i32('>');
   }
   void leftFinger(Fields& f) {
@@ -663,6 +679,8 @@ class Reader {
   std::vector<std::vector<int>> pending_;
   Beat scratch_;
   Track scratchTrack_;
+  BarInfo scratchBarInfo_;
+  TrackBar scratchBar_;
   size_t beatBudget_;
   int headerTrack_ = 0;
   int readTrack_ = 0, readBar_ = 0, readBeat_ = 0;
@@ -824,7 +842,7 @@ void Reader::lastBeat(Fields& f) {
   int t = f.index('|');
   int b = f.index('/');
   int last = f.index('>');
-  if (last < 0) return;
+  if (last < 0 || !barSized(t, b)) return;
   // The place is checked now (a tag naming none is skipped) and the budget charged now; the
   // count itself is 16-bit like every index, so sizing later cannot fail.
   const size_t have = s_.bar(t, b).Beats.size();
@@ -845,9 +863,9 @@ void Reader::finish() {
 void Reader::lyric(Fields& f) {
   // The line number 1 to 5 stands right after the name, then t|text.
   std::string_view head = f.raw('|');
-  if (head.empty() || head[0] < '1' || head[0] > '5') throw ScoreError("lyric line out of range");
+  if (head.empty() || head[0] < '1' || head[0] > '5') return;
   const int t = ParseI16(head.substr(1));
-  s_.trackMut(t).Lyrics[static_cast<size_t>(head[0] - '1')] = f.text('>');
+  trackAt(t).Lyrics[static_cast<size_t>(head[0] - '1')] = f.text('>');
 }
 
 void Reader::stepBar() {
@@ -864,24 +882,22 @@ void Reader::barCopy(Fields& f) {
   int t = f.index('\\');
   int b = f.index('|');
   int from = f.index('>');
-  try {
-    Track& tr = s_.trackMut(t);
-    if (b < 0 || from < 0 || static_cast<size_t>(b) >= tr.Bars.size() ||
-        static_cast<size_t>(from) >= tr.Bars.size())
-      throw ScoreError("bar copy out of range");
+  if (barSized(t, b) && barSized(t, from)) {
+    Track& tr = s_.Tracks[static_cast<size_t>(t)];
     settle(t, from);
     tr.Bars[static_cast<size_t>(b)] = tr.Bars[static_cast<size_t>(from)];
     if (pendingLast(static_cast<size_t>(t), static_cast<size_t>(b)) >= 0)
       pending_[static_cast<size_t>(t)][static_cast<size_t>(b)] = -1;
-  } catch (const ScoreError&) {
   }
   stepBar();
 }
 
 void Reader::length(Fields& f) {
   const int32_t len = f.i32('>');
-  settle(readTrack_, readBar_);
-  s_.beatMut(readTrack_, readBar_, readBeat_).Length = len;
+  Beat& bt = beatAt(readTrack_, readBar_, readBeat_);
+  // A length beyond the beats the file sized is skipped, and the place does not move on.
+  if (&bt == &scratch_) return;
+  bt.Length = len;
   if (readBeat_ < s_.GetLastBeat(readTrack_, readBar_))
     ++readBeat_;
   else

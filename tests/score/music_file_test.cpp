@@ -212,7 +212,7 @@ TEST(MusicFile, UnknownTagsAndGarbageAreSkipped) {
 }
 
 TEST(MusicFile, TagsNamingPlacesTheFileNeverSizedAreSkipped) {
-  // Each set of tags names a track, bar or beat beyond what the file sized; the Score read is
+  // Each set of tags names a track, bar, beat or string beyond what the file sized; the Score read is
   // the one read without them, whatever the kind of tag.
   Score s;
   s.Title = "Song";
@@ -226,6 +226,10 @@ TEST(MusicFile, TagsNamingPlacesTheFileNeverSizedAreSkipped) {
       "<trm:0\\9|0\\1/dip|0\\0/1\\2>",                  // tremolo bar on a missing bar
       "<dot:0|0\\7><tpt:3|0:0\\3><txt:0|0/9\\x><goto:0|0\\8/a>",  // beat tags, missing beats
       "<p0|0\\5/2:7|0><bnd:0|0\\5/2:0\\1/2\\3/4\\5/6\\7/8\\9/0\\1/2\\3/4\\5/6:0:1>",  // notes
+      "<\x93" "9|3><\x94" "9><\x99\x99" "9><\x9D" "-1>",                    // marks of missing bars
+      "<\xD1\xD1" "4><\xB2" "BA\xB2" "4><\xD2\xD2" "19|words><\xD2\xD2" "70|x>",  // track flags, lyrics
+      "<ki:0\\9/2><km:4\\0/1><\xB5" "0|9/3><\xB5" "5|0/3>",  // keys and sizes of missing bars
+      "<acc:0|0\\0/9><gho:0|0\\0/-1><har:0|0\\0:8/1><f.t.dbf5\\0|9>",  // strings past the last
   };
   for (const char* garbage : cases) {
     SCOPED_TRACE(garbage);
