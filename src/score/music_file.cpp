@@ -1,8 +1,11 @@
 #include "score/music_file.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
+#include <cstdint>
 #include <functional>
+#include <span>
 #include <string_view>
 #include <unordered_map>
 
@@ -419,7 +422,8 @@ class Reader {
     std::string_view name;
     Handler fn;
   };
-  static const std::vector<Entry>& entriesFor(unsigned char first);
+  // The handlers whose names could begin `p`, longest name first.
+  static std::span<const Entry> candidatesFor(std::string_view p);
 
   void grow(size_t beats) {
     if (beats > beatBudget_)
@@ -687,10 +691,81 @@ class Reader {
   int denominatorBar_ = 0, numeratorBar_ = 0;
 };
 
-const std::vector<Reader::Entry>& Reader::entriesFor(unsigned char first) {
-  static const std::array<std::vector<Entry>, 256> table = [] {
-    // Longer names first where one name begins another.
-    const std::vector<Entry> all = {
+// Tag names in a tree that branches at the first byte where they differ, so a tag is matched
+// with one full comparison however many names share its first letters (thirty track header
+// names begin "f.t.", twelve of them "f.t.d"). A node whose names cannot branch (one of them
+// ends where they stop agreeing) keeps them as a list, longest name first.
+class TagTree {
+ public:
+  template <class Entry>
+  explicit TagTree(std::vector<Entry>& entries) {
+    // The tree indexes `entries`, which it reorders so that every leaf is one run of them.
+    build(entries, 0, entries.size(), 0);
+  }
+  // The run of entries whose names could begin `p`.
+  std::pair<size_t, size_t> find(std::string_view p) const {
+    const Node* n = &nodes_[0];
+    while (n->leafEnd == 0) {
+      if (p.size() <= n->at) return {0, 0};
+      const int16_t child = n->child[static_cast<unsigned char>(p[n->at])];
+      if (child < 0) return {0, 0};
+      n = &nodes_[static_cast<size_t>(child)];
+    }
+    return {n->leafBegin, n->leafEnd};
+  }
+
+ private:
+  struct Node {
+    size_t at = 0;                       // the byte the names below branch on
+    size_t leafBegin = 0, leafEnd = 0;   // a leaf's run of entries; leafEnd 0 on a branch
+    std::array<int16_t, 256> child{};
+  };
+
+  template <class Entry>
+  size_t build(std::vector<Entry>& entries, size_t begin, size_t end, size_t agreed) {
+    const size_t self = nodes_.size();
+    nodes_.emplace_back();
+    // How far all names here agree, and whether every one goes on past that point.
+    size_t common = entries[begin].name.size();
+    for (size_t i = begin + 1; i < end; ++i) {
+      const std::string_view a = entries[begin].name, b = entries[i].name;
+      size_t k = agreed;
+      while (k < common && k < b.size() && a[k] == b[k]) ++k;
+      common = k;
+    }
+    bool branches = end - begin > 1;
+    for (size_t i = begin; i < end && branches; ++i) branches = entries[i].name.size() > common;
+    if (!branches) {
+      std::stable_sort(entries.begin() + static_cast<std::ptrdiff_t>(begin),
+                       entries.begin() + static_cast<std::ptrdiff_t>(end),
+                       [](const Entry& a, const Entry& b) { return a.name.size() > b.name.size(); });
+      nodes_[self].leafBegin = begin;
+      nodes_[self].leafEnd = end;
+      return self;
+    }
+    std::stable_sort(entries.begin() + static_cast<std::ptrdiff_t>(begin),
+                     entries.begin() + static_cast<std::ptrdiff_t>(end), [common](const Entry& a, const Entry& b) {
+                       return static_cast<unsigned char>(a.name[common]) < static_cast<unsigned char>(b.name[common]);
+                     });
+    nodes_[self].at = common;
+    nodes_[self].child.fill(-1);
+    for (size_t i = begin; i < end;) {
+      size_t j = i + 1;
+      while (j < end && entries[j].name[common] == entries[i].name[common]) ++j;
+      const size_t child = build(entries, i, j, common + 1);
+      nodes_[self].child[static_cast<unsigned char>(entries[i].name[common])] = static_cast<int16_t>(child);
+      i = j;
+    }
+    return self;
+  }
+
+  std::vector<Node> nodes_;
+};
+
+std::span<const Reader::Entry> Reader::candidatesFor(std::string_view p) {
+  static std::vector<Entry> entries;
+  static const TagTree tree = [] {
+    entries = {
         {tag::Notes, &Reader::notes},
         {tag::Album, &Reader::album},
         {tag::Artist, &Reader::artist},
@@ -783,21 +858,17 @@ const std::vector<Reader::Entry>& Reader::entriesFor(unsigned char first) {
         {tag::Bend, &Reader::bend},
         {tag::Grace, &Reader::grace},
         {tag::Trill, &Reader::trill},
-        {tag::Note, &Reader::note},  // "p" last: the shortest name of all
+        {tag::Note, &Reader::note},
     };
-    std::array<std::vector<Entry>, 256> t;
-    for (const Entry& e : all) t[static_cast<unsigned char>(e.name[0])].push_back(e);
-    for (auto& list : t)
-      std::stable_sort(list.begin(), list.end(),
-                       [](const Entry& a, const Entry& b) { return a.name.size() > b.name.size(); });
-    return t;
+    return TagTree(entries);
   }();
-  return table[first];
+  const auto [begin, end] = tree.find(p);
+  return std::span<const Entry>(entries).subspan(begin, end - begin);
 }
 
 void Reader::piece(std::string_view p) {
   if (p.empty()) return;
-  for (const Entry& e : entriesFor(static_cast<unsigned char>(p[0]))) {
+  for (const Entry& e : candidatesFor(p)) {
     if (p.substr(0, e.name.size()) != e.name) continue;
     Fields f(p, e.name.size());
     try {
