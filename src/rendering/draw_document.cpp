@@ -32,24 +32,6 @@ struct Placement {
 // 32-bit row position stays far from overflow.
 constexpr long long kFullLayoutLimit = 400000000;
 
-// Layout walks that draw nothing still go through a surface.
-struct NullSurface : Surface {
-  void drawLine(Point, Point, Color, double) override {}
-  void drawRect(Rect, Color, double) override {}
-  void fillRect(Rect, Color) override {}
-  void drawEllipse(Rect, Color, double) override {}
-  void fillEllipse(Rect, Color) override {}
-  void drawPolyline(std::span<const Point>, Color, double) override {}
-  void fillPolygon(std::span<const Point>, Color) override {}
-  void strokePath(const Path&, Color, double) override {}
-  void fillPath(const Path&, Color) override {}
-  void drawText(Point, std::string_view, const Font&, Color) override {}
-  TextMetrics measureText(std::string_view, const Font&) override { return {}; }
-  void drawImage(Rect, const Image&) override {}
-  void setClip(Rect) override {}
-  void clearClip() override {}
-};
-
 std::string pageFooter(const DrawTexts& texts, int page, int lastPage) {
   return texts.Page + " " + std::to_string(page + 1) + " " + texts.Of + " " + std::to_string(lastPage + 1);
 }

@@ -121,6 +121,26 @@ class Surface {
   virtual void clearClip() = 0;
 };
 
+// Draws nothing: layout walks go through a surface without wanting what it draws. Every text
+// measures empty unless a subclass measures it.
+class NullSurface : public Surface {
+ public:
+  void drawLine(Point, Point, Color, double) override {}
+  void drawRect(Rect, Color, double) override {}
+  void fillRect(Rect, Color) override {}
+  void drawEllipse(Rect, Color, double) override {}
+  void fillEllipse(Rect, Color) override {}
+  void drawPolyline(std::span<const Point>, Color, double) override {}
+  void fillPolygon(std::span<const Point>, Color) override {}
+  void strokePath(const Path&, Color, double) override {}
+  void fillPath(const Path&, Color) override {}
+  void drawText(Point, std::string_view, const Font&, Color) override {}
+  TextMetrics measureText(std::string_view, const Font&) override { return {}; }
+  void drawImage(Rect, const Image&) override {}
+  void setClip(Rect) override {}
+  void clearClip() override {}
+};
+
 // Installed face for a font name stored in a Score or the settings: the Windows names that
 // old files carry go to metric-compatible or nearest free faces; other names pass through.
 std::string MapFontFamily(std::string_view storedName);
