@@ -489,19 +489,15 @@ class Reader {
   }
 
   // Tags naming a track or bar the file never sized are skipped the way beats are (see beatAt):
-  // they write to scratch records that nothing reads, since an exception a tag slowed damaged
-  // files down.
-  BarInfo& barInfoAt(int b) {
-    return b >= 0 && static_cast<size_t>(b) < s_.BarInfos.size() ? s_.BarInfos[static_cast<size_t>(b)]
-                                                                  : scratchBarInfo_;
+  // they write to scratch records that nothing reads, since an exception for each such tag
+  // slowed damaged files down.
+  template <class Items>
+  static bool within(const Items& items, int i) {
+    return i >= 0 && static_cast<size_t>(i) < items.size();
   }
-  Track& trackAt(int t) {
-    return t >= 0 && static_cast<size_t>(t) < s_.Tracks.size() ? s_.Tracks[static_cast<size_t>(t)] : scratchTrack_;
-  }
-  bool barSized(int t, int b) const {
-    return t >= 0 && static_cast<size_t>(t) < s_.Tracks.size() && b >= 0 &&
-           static_cast<size_t>(b) < s_.Tracks[static_cast<size_t>(t)].Bars.size();
-  }
+  BarInfo& barInfoAt(int b) { return within(s_.BarInfos, b) ? s_.BarInfos[static_cast<size_t>(b)] : scratchBarInfo_; }
+  Track& trackAt(int t) { return within(s_.Tracks, t) ? s_.Tracks[static_cast<size_t>(t)] : scratchTrack_; }
+  bool barSized(int t, int b) const { return within(s_.Tracks, t) && within(s_.Tracks[static_cast<size_t>(t)].Bars, b); }
   TrackBar& barAt(int t, int b) { return barSized(t, b) ? s_.barMut(t, b) : scratchBar_; }
 
   // ---- bar infos ----
@@ -529,21 +525,15 @@ class Reader {
   void drumMap(Fields& f, size_t field) {
     int t = f.index('\\');
     int str = f.index('|');
-    // Skipped, as a tag naming a beat the file never sized is (see beatAt).
-    if (t < 0 || static_cast<size_t>(t) >= s_.Tracks.size()) return;
-    Track& tr = s_.Tracks[static_cast<size_t>(t)];
     if (str < 0 || str >= kMaxStrings) return;
-    tr.DrumMaps[static_cast<size_t>(str)].Drum[field] = f.i16('>');
+    trackAt(t).DrumMaps[static_cast<size_t>(str)].Drum[field] = f.i16('>');
   }
   template <size_t Field>
   void drumMapOf(Fields& f) {
     drumMap(f, Field);
   }
   // The track whose header tags come now; past the last track, a scratch one (see beatAt).
-  Track& headerTrack() {
-    if (headerTrack_ < 0 || static_cast<size_t>(headerTrack_) >= s_.Tracks.size()) return scratchTrack_;
-    return s_.Tracks[static_cast<size_t>(headerTrack_)];
-  }
+  Track& headerTrack() { return trackAt(headerTrack_); }
   void capo(Fields& f) { headerTrack().Capo = f.i16('>'); }
   void chordVolume(Fields& f) { headerTrack().ChordVolume = f.i16('>'); }
   void channel(Fields& f) { headerTrack().Channel = f.i16('>'); }
@@ -590,11 +580,9 @@ class Reader {
   // that nothing reads. An exception for each such tag made a damaged file (where most tags
   // can name such a place) slow to open.
   Beat& beatAt(int t, int b, int k) {
-    if (t < 0 || static_cast<size_t>(t) >= s_.Tracks.size()) return scratch_;
-    const Track& tr = s_.Tracks[static_cast<size_t>(t)];
-    if (b < 0 || static_cast<size_t>(b) >= tr.Bars.size()) return scratch_;
+    if (!barSized(t, b)) return scratch_;
     settle(t, b);
-    if (k < 0 || static_cast<size_t>(k) >= tr.Bars[static_cast<size_t>(b)]->Beats.size()) return scratch_;
+    if (!within(s_.Tracks[static_cast<size_t>(t)].Bars[static_cast<size_t>(b)]->Beats, k)) return scratch_;
     return s_.beatMut(t, b, k);
   }
   NoteSlot& noteAt(Fields& f, char afterString) {
@@ -695,23 +683,21 @@ class Reader {
 // with one full comparison however many names share its first letters (thirty track header
 // names begin "f.t.", twelve of them "f.t.d"). A node whose names cannot branch (one of them
 // ends where they stop agreeing) keeps them as a list, longest name first.
+template <class Entry>
 class TagTree {
  public:
-  template <class Entry>
-  explicit TagTree(std::vector<Entry>& entries) {
-    // The tree indexes `entries`, which it reorders so that every leaf is one run of them.
-    build(entries, 0, entries.size(), 0);
-  }
-  // The run of entries whose names could begin `p`.
-  std::pair<size_t, size_t> find(std::string_view p) const {
+  // The entries are reordered so that every leaf is one run of them.
+  explicit TagTree(std::vector<Entry> entries) : entries_(std::move(entries)) { build(0, entries_.size(), 0); }
+  // The entries whose names could begin `p`, longest name first.
+  std::span<const Entry> find(std::string_view p) const {
     const Node* n = &nodes_[0];
     while (n->leafEnd == 0) {
-      if (p.size() <= n->at) return {0, 0};
+      if (p.size() <= n->at) return {};
       const int16_t child = n->child[static_cast<unsigned char>(p[n->at])];
-      if (child < 0) return {0, 0};
+      if (child < 0) return {};
       n = &nodes_[static_cast<size_t>(child)];
     }
-    return {n->leafBegin, n->leafEnd};
+    return std::span<const Entry>(entries_).subspan(n->leafBegin, n->leafEnd - n->leafBegin);
   }
 
  private:
@@ -721,149 +707,144 @@ class TagTree {
     std::array<int16_t, 256> child{};
   };
 
-  template <class Entry>
-  size_t build(std::vector<Entry>& entries, size_t begin, size_t end, size_t agreed) {
+  size_t build(size_t begin, size_t end, size_t agreed) {
     const size_t self = nodes_.size();
     nodes_.emplace_back();
     // How far all names here agree, and whether every one goes on past that point.
-    size_t common = entries[begin].name.size();
+    size_t common = entries_[begin].name.size();
     for (size_t i = begin + 1; i < end; ++i) {
-      const std::string_view a = entries[begin].name, b = entries[i].name;
+      const std::string_view a = entries_[begin].name, b = entries_[i].name;
       size_t k = agreed;
       while (k < common && k < b.size() && a[k] == b[k]) ++k;
       common = k;
     }
     bool branches = end - begin > 1;
-    for (size_t i = begin; i < end && branches; ++i) branches = entries[i].name.size() > common;
+    for (size_t i = begin; i < end && branches; ++i) branches = entries_[i].name.size() > common;
     if (!branches) {
-      std::stable_sort(entries.begin() + static_cast<std::ptrdiff_t>(begin),
-                       entries.begin() + static_cast<std::ptrdiff_t>(end),
+      std::stable_sort(entries_.begin() + static_cast<std::ptrdiff_t>(begin),
+                       entries_.begin() + static_cast<std::ptrdiff_t>(end),
                        [](const Entry& a, const Entry& b) { return a.name.size() > b.name.size(); });
       nodes_[self].leafBegin = begin;
       nodes_[self].leafEnd = end;
       return self;
     }
-    std::stable_sort(entries.begin() + static_cast<std::ptrdiff_t>(begin),
-                     entries.begin() + static_cast<std::ptrdiff_t>(end), [common](const Entry& a, const Entry& b) {
+    std::stable_sort(entries_.begin() + static_cast<std::ptrdiff_t>(begin),
+                     entries_.begin() + static_cast<std::ptrdiff_t>(end), [common](const Entry& a, const Entry& b) {
                        return static_cast<unsigned char>(a.name[common]) < static_cast<unsigned char>(b.name[common]);
                      });
     nodes_[self].at = common;
     nodes_[self].child.fill(-1);
     for (size_t i = begin; i < end;) {
       size_t j = i + 1;
-      while (j < end && entries[j].name[common] == entries[i].name[common]) ++j;
-      const size_t child = build(entries, i, j, common + 1);
-      nodes_[self].child[static_cast<unsigned char>(entries[i].name[common])] = static_cast<int16_t>(child);
+      while (j < end && entries_[j].name[common] == entries_[i].name[common]) ++j;
+      const size_t child = build(i, j, common + 1);
+      nodes_[self].child[static_cast<unsigned char>(entries_[i].name[common])] = static_cast<int16_t>(child);
       i = j;
     }
     return self;
   }
 
+  std::vector<Entry> entries_;
   std::vector<Node> nodes_;
 };
 
 std::span<const Reader::Entry> Reader::candidatesFor(std::string_view p) {
-  static std::vector<Entry> entries;
-  static const TagTree tree = [] {
-    entries = {
-        {tag::Notes, &Reader::notes},
-        {tag::Album, &Reader::album},
-        {tag::Artist, &Reader::artist},
-        {tag::Author, &Reader::author},
-        {tag::Copyright, &Reader::copyright},
-        {tag::Instructions, &Reader::instructions},
-        {tag::Notice, &Reader::notice},
+  static const TagTree<Entry> tree({
+      {tag::Notes, &Reader::notes},
+      {tag::Album, &Reader::album},
+      {tag::Artist, &Reader::artist},
+      {tag::Author, &Reader::author},
+      {tag::Copyright, &Reader::copyright},
+      {tag::Instructions, &Reader::instructions},
+      {tag::Notice, &Reader::notice},
         // The resource tags are deliberately absent: they are written but were never read back,
         // and files rely on the fields staying empty after a load.
-        {tag::Password, &Reader::password},
-        {tag::ChordCharts, &Reader::chordCharts},
-        {tag::FileHeaders, &Reader::fileHeaders},
-        {tag::Protected, &Reader::isProtected},
-        {tag::Shuffle, &Reader::shuffle},
-        {tag::Tempo, &Reader::tempo},
-        {tag::SubTitle, &Reader::subTitle},
-        {tag::TabAuthor, &Reader::tabAuthor},
-        {tag::Title, &Reader::title},
-        {tag::RowSpacing, &Reader::rowSpacing},
-        {tag::HeaderFont, &Reader::headerFont},
-        {tag::NoteFont, &Reader::noteFont},
-        {tag::LineColor, &Reader::lineColor},
-        {tag::LastTrack, &Reader::lastTrack},
-        {tag::LastBar, &Reader::lastBar},
-        {tag::LastBeat, &Reader::lastBeat},
-        {tag::RepeatClose, &Reader::repeatClose},
-        {tag::Denominator, &Reader::denominator},
-        {tag::RepeatOpen, &Reader::repeatOpen},
-        {tag::Numerator, &Reader::numerator},
-        {tag::DSAlCoda, &Reader::dsAlCoda},
-        {tag::Coda, &Reader::coda},
-        {tag::ToCoda, &Reader::toCoda},
-        {tag::Sign, &Reader::sign},
-        {tag::Reverb, &Reader::reverb},
-        {tag::Lyric, &Reader::lyric},
-        {tag::OctaveDown, &Reader::octaveDown},
-        {tag::OctaveUp, &Reader::octaveUp},
-        {tag::Bass, &Reader::bass},
-        {tag::Tab, &Reader::tab},
-        {tag::Treble, &Reader::treble},
-        {tag::Drum, &Reader::drum},
-        {kDrumTags[0].name, &Reader::drumMapOf<11>},
-        {kDrumTags[1].name, &Reader::drumMapOf<5>},
-        {kDrumTags[2].name, &Reader::drumMapOf<7>},
-        {kDrumTags[3].name, &Reader::drumMapOf<0>},
-        {kDrumTags[4].name, &Reader::drumMapOf<8>},
-        {kDrumTags[5].name, &Reader::drumMapOf<4>},
-        {kDrumTags[6].name, &Reader::drumMapOf<1>},
-        {kDrumTags[7].name, &Reader::drumMapOf<3>},
-        {kDrumTags[8].name, &Reader::drumMapOf<6>},
-        {kDrumTags[9].name, &Reader::drumMapOf<10>},
-        {kDrumTags[10].name, &Reader::drumMapOf<2>},
-        {kDrumTags[11].name, &Reader::drumMapOf<9>},
-        {tag::Capo, &Reader::capo},
-        {tag::ChordVolume, &Reader::chordVolume},
-        {tag::Channel, &Reader::channel},
-        {tag::EffectChannel, &Reader::effectChannel},
-        {tag::Instrument, &Reader::instrument},
-        {tag::InstrumentName, &Reader::instrumentName},
-        {tag::Name, &Reader::name},
-        {tag::Strings, &Reader::strings},
-        {"f.t.tu0:", &Reader::tuning<0>},
-        {"f.t.tu1:", &Reader::tuning<1>},
-        {"f.t.tu2:", &Reader::tuning<2>},
-        {"f.t.tu3:", &Reader::tuning<3>},
-        {"f.t.tu4:", &Reader::tuning<4>},
-        {"f.t.tu5:", &Reader::tuning<5>},
-        {"f.t.tu6:", &Reader::tuning<6>},
-        {tag::Volume, &Reader::volume},
-        {tag::BarCopy, &Reader::barCopy},
-        {tag::Key, &Reader::key},
-        {tag::KeyMinor, &Reader::keyMinor},
-        {tag::Goto, &Reader::gotoName},
-        {tag::Dot, &Reader::dot},
-        {tag::Tremolo, &Reader::tremolo},
-        {tag::Tuplet, &Reader::tuplet},
-        {tag::Stroke, &Reader::stroke},
-        {tag::ChordTech, &Reader::chordTechnique},
-        {tag::Text, &Reader::text},
-        {tag::Length, &Reader::length},
-        {tag::Chord, &Reader::chord},
-        {tag::Accent, &Reader::accent},
-        {tag::Ghost, &Reader::ghost},
-        {tag::Harmonic, &Reader::harmonic},
-        {tag::LeftFinger, &Reader::leftFinger},
-        {tag::RightFinger, &Reader::rightFinger},
-        {tag::LetRing, &Reader::letRing},
-        {tag::Tied, &Reader::tied},
-        {tag::Technique, &Reader::technique},
-        {tag::Bend, &Reader::bend},
-        {tag::Grace, &Reader::grace},
-        {tag::Trill, &Reader::trill},
-        {tag::Note, &Reader::note},
-    };
-    return TagTree(entries);
-  }();
-  const auto [begin, end] = tree.find(p);
-  return std::span<const Entry>(entries).subspan(begin, end - begin);
+      {tag::Password, &Reader::password},
+      {tag::ChordCharts, &Reader::chordCharts},
+      {tag::FileHeaders, &Reader::fileHeaders},
+      {tag::Protected, &Reader::isProtected},
+      {tag::Shuffle, &Reader::shuffle},
+      {tag::Tempo, &Reader::tempo},
+      {tag::SubTitle, &Reader::subTitle},
+      {tag::TabAuthor, &Reader::tabAuthor},
+      {tag::Title, &Reader::title},
+      {tag::RowSpacing, &Reader::rowSpacing},
+      {tag::HeaderFont, &Reader::headerFont},
+      {tag::NoteFont, &Reader::noteFont},
+      {tag::LineColor, &Reader::lineColor},
+      {tag::LastTrack, &Reader::lastTrack},
+      {tag::LastBar, &Reader::lastBar},
+      {tag::LastBeat, &Reader::lastBeat},
+      {tag::RepeatClose, &Reader::repeatClose},
+      {tag::Denominator, &Reader::denominator},
+      {tag::RepeatOpen, &Reader::repeatOpen},
+      {tag::Numerator, &Reader::numerator},
+      {tag::DSAlCoda, &Reader::dsAlCoda},
+      {tag::Coda, &Reader::coda},
+      {tag::ToCoda, &Reader::toCoda},
+      {tag::Sign, &Reader::sign},
+      {tag::Reverb, &Reader::reverb},
+      {tag::Lyric, &Reader::lyric},
+      {tag::OctaveDown, &Reader::octaveDown},
+      {tag::OctaveUp, &Reader::octaveUp},
+      {tag::Bass, &Reader::bass},
+      {tag::Tab, &Reader::tab},
+      {tag::Treble, &Reader::treble},
+      {tag::Drum, &Reader::drum},
+      {kDrumTags[0].name, &Reader::drumMapOf<11>},
+      {kDrumTags[1].name, &Reader::drumMapOf<5>},
+      {kDrumTags[2].name, &Reader::drumMapOf<7>},
+      {kDrumTags[3].name, &Reader::drumMapOf<0>},
+      {kDrumTags[4].name, &Reader::drumMapOf<8>},
+      {kDrumTags[5].name, &Reader::drumMapOf<4>},
+      {kDrumTags[6].name, &Reader::drumMapOf<1>},
+      {kDrumTags[7].name, &Reader::drumMapOf<3>},
+      {kDrumTags[8].name, &Reader::drumMapOf<6>},
+      {kDrumTags[9].name, &Reader::drumMapOf<10>},
+      {kDrumTags[10].name, &Reader::drumMapOf<2>},
+      {kDrumTags[11].name, &Reader::drumMapOf<9>},
+      {tag::Capo, &Reader::capo},
+      {tag::ChordVolume, &Reader::chordVolume},
+      {tag::Channel, &Reader::channel},
+      {tag::EffectChannel, &Reader::effectChannel},
+      {tag::Instrument, &Reader::instrument},
+      {tag::InstrumentName, &Reader::instrumentName},
+      {tag::Name, &Reader::name},
+      {tag::Strings, &Reader::strings},
+      {"f.t.tu0:", &Reader::tuning<0>},
+      {"f.t.tu1:", &Reader::tuning<1>},
+      {"f.t.tu2:", &Reader::tuning<2>},
+      {"f.t.tu3:", &Reader::tuning<3>},
+      {"f.t.tu4:", &Reader::tuning<4>},
+      {"f.t.tu5:", &Reader::tuning<5>},
+      {"f.t.tu6:", &Reader::tuning<6>},
+      {tag::Volume, &Reader::volume},
+      {tag::BarCopy, &Reader::barCopy},
+      {tag::Key, &Reader::key},
+      {tag::KeyMinor, &Reader::keyMinor},
+      {tag::Goto, &Reader::gotoName},
+      {tag::Dot, &Reader::dot},
+      {tag::Tremolo, &Reader::tremolo},
+      {tag::Tuplet, &Reader::tuplet},
+      {tag::Stroke, &Reader::stroke},
+      {tag::ChordTech, &Reader::chordTechnique},
+      {tag::Text, &Reader::text},
+      {tag::Length, &Reader::length},
+      {tag::Chord, &Reader::chord},
+      {tag::Accent, &Reader::accent},
+      {tag::Ghost, &Reader::ghost},
+      {tag::Harmonic, &Reader::harmonic},
+      {tag::LeftFinger, &Reader::leftFinger},
+      {tag::RightFinger, &Reader::rightFinger},
+      {tag::LetRing, &Reader::letRing},
+      {tag::Tied, &Reader::tied},
+      {tag::Technique, &Reader::technique},
+      {tag::Bend, &Reader::bend},
+      {tag::Grace, &Reader::grace},
+      {tag::Trill, &Reader::trill},
+      {tag::Note, &Reader::note},
+  });
+  return tree.find(p);
 }
 
 void Reader::piece(std::string_view p) {
@@ -874,7 +855,8 @@ void Reader::piece(std::string_view p) {
     try {
       (this->*e.fn)(f);
     } catch (const ScoreError&) {
-      // A tag that names a place the file never sized is skipped, as unknown tags are.
+      // A tag whose values the score refuses (a count beyond its limits) is skipped, as
+      // unknown tags are.
     }
     return;
   }
